@@ -1,0 +1,13 @@
+#include "model/spectrum_matrix.h"
+
+namespace zolt {
+
+size_t pointProduct(const std::array<DimensionRecord, 4>& dims) {
+    size_t n = 1;
+    for (const auto& d : dims) n *= d.points ? d.points : 1;
+    return n;
+}
+
+size_t SpectrumMatrix::pointCount() const { return pointProduct(dims); }
+
+}  // namespace zolt
