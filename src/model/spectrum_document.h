@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "model/processing_step.h"
 #include "model/spectrum_matrix.h"
 #include "model/spectrum_source.h"
 
@@ -21,6 +22,7 @@ struct SpectrumDocument {
     SpectrumSource source;
     SpectrumMatrix matrix;
     SampleMetadata metadata;
+    ProcessingRecord processing;
 };
 
 }  // namespace zolt

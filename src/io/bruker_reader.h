@@ -1,0 +1,43 @@
+// Bruker experiments: folder layout (acqus + fid/ser), the Win-NMR single-folder layout and
+// ParaVision (acqp). Reads parameters only; the raw-data loader reads the numbers.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "model/spectrum_document.h"
+
+namespace zolt {
+
+struct BrukerReadOptions {
+    bool threeD = false;     // a ser file is read as 3-D when acqu3s exists
+    bool processed = false;  // read pdata/1/1r, 2rr or 3rrr when present
+};
+
+// What the document-information panel shows.
+struct AcquisitionInfo {
+    std::string dateStamp;        // from the first "$$ " line of acqus
+    double relaxationDelay = 0.0; // D1, seconds
+    int scans = 0;                // NS
+};
+
+struct BrukerRead {
+    SpectrumSource source;
+    SampleMetadata metadata;  // title, solvent, pulse sequence
+    AcquisitionInfo info;
+};
+
+// path: the experiment folder or any file inside it (acqus, fid, ser ...).
+std::optional<BrukerRead> readBrukerFolder(const std::string& path,
+                                           const BrukerReadOptions& options = {});
+// path: any file of a Win-NMR data set (base name with aqs, fa1, fa2, fqs ...).
+std::optional<BrukerRead> readWinNmr(const std::string& path);
+// path: the ParaVision folder or a file inside it; writes acqus beside acqp first.
+std::optional<BrukerRead> readParaVision(const std::string& path,
+                                         const BrukerReadOptions& options = {});
+
+// For 16- and 32-bit integer sources neither little-endian nor Varian: samples 20 values of
+// the file and sets or clears the "little endian" flag.
+void probeByteOrder(SpectrumSource& source);
+
+}  // namespace zolt
