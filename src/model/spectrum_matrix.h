@@ -25,8 +25,10 @@ struct SpectrumMatrix {
     uint8_t xIndex = 0, yIndex = 0, zIndex = 0;
     uint8_t dimensions = 0;
     uint16_t state = 0;
-    // Rows of the direct (x) axis follow each other; the slowest index is the highest
-    // f-index other than x. re and im have equal length; im is empty when real only.
+    uint8_t contiguous = 0;
+    // The f-index whose points are stored contiguously (rows along it follow each other);
+    // the direct axis as loaded. The other axes follow in decreasing f-index, slowest last.
+    // re and im have equal length; im is empty when real only.
     std::vector<float> re;
     std::vector<float> im;
     std::vector<float> workRow;
