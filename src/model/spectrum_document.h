@@ -1,6 +1,7 @@
 // An open spectrum: its source, its working matrix and its sample metadata.
 #pragma once
 
+#include <array>
 #include <string>
 
 #include "model/processing_step.h"
@@ -18,11 +19,25 @@ struct SampleMetadata {
     float temperature = 0.0f;      // saved only when not zero
 };
 
+// How the document window was laid out when saved.
+struct WindowState {
+    std::array<int, 7> pageAndMargins{};  // page size and the four margins
+    bool freeSize = false;                 // the plot is not tied to the page
+    bool drawer = false;                   // the side drawer is open
+    int pageNumber = 0;
+    bool hasBounds = false;
+    std::array<int, 4> bounds{};  // left, top, right, bottom in the frame's client area
+};
+
 struct SpectrumDocument {
     SpectrumSource source;
     SpectrumMatrix matrix;
     SampleMetadata metadata;
     ProcessingRecord processing;
+    WindowState windowState;
+    // Lowest program version able to read the saved file: a source new from a reader is 141.
+    int readWithVersion = 141;
+    bool writtenByNewerVersion = false;
 };
 
 }  // namespace zolt
