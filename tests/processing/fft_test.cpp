@@ -1,0 +1,192 @@
+#include "processing/fft.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <numbers>
+#include <random>
+#include <vector>
+
+namespace zolt {
+namespace {
+
+using Complex = std::complex<double>;
+constexpr double kPi = std::numbers::pi;
+
+// X[k] = sum x[m] e^{sign 2 pi i mk/n}, straight from the definition.
+std::vector<Complex> naiveDft(const std::vector<Complex>& x, int sign) {
+    const size_t n = x.size();
+    std::vector<Complex> out(n);
+    for (size_t k = 0; k < n; ++k) {
+        Complex sum = 0.0;
+        for (size_t m = 0; m < n; ++m)
+            sum += x[m] * std::polar(1.0, sign * 2.0 * kPi * double((m * k) % n) / double(n));
+        out[k] = sum;
+    }
+    return out;
+}
+
+// Recursive radix-2 reference in double, fast enough for the large sizes.
+std::vector<Complex> referenceFft(const std::vector<Complex>& x, int sign) {
+    const size_t n = x.size();
+    if (n == 1) return x;
+    std::vector<Complex> even(n / 2), odd(n / 2);
+    for (size_t m = 0; m < n / 2; ++m) {
+        even[m] = x[2 * m];
+        odd[m] = x[2 * m + 1];
+    }
+    const auto e = referenceFft(even, sign), o = referenceFft(odd, sign);
+    std::vector<Complex> out(n);
+    for (size_t k = 0; k < n / 2; ++k) {
+        const Complex t = std::polar(1.0, sign * 2.0 * kPi * double(k) / double(n)) * o[k];
+        out[k] = e[k] + t;
+        out[k + n / 2] = e[k] - t;
+    }
+    return out;
+}
+
+std::vector<Complex> randomSignal(size_t n, unsigned seed) {
+    std::mt19937 rng(seed);
+    std::uniform_real_distribution<float> u(-1.0f, 1.0f);
+    std::vector<Complex> x(n);
+    for (auto& v : x) v = Complex(u(rng), u(rng));
+    return x;
+}
+
+// max |got - want| / max |want|
+double relativeError(const std::vector<float>& re, const std::vector<float>& im,
+                     const std::vector<Complex>& want, size_t count) {
+    double worst = 0.0, scale = 0.0;
+    for (size_t k = 0; k < count; ++k) {
+        worst = std::max(worst, std::abs(Complex(re[k], im[k]) - want[k]));
+        scale = std::max(scale, std::abs(want[k]));
+    }
+    return worst / scale;
+}
+
+double ownFftError(const std::vector<Complex>& x, int direction) {
+    std::vector<float> re(x.size()), im(x.size());
+    for (size_t m = 0; m < x.size(); ++m) {
+        re[m] = float(x[m].real());
+        im[m] = float(x[m].imag());
+    }
+    fft(re.data(), im.data(), x.size(), direction);
+    return relativeError(re, im, referenceFft(x, direction), x.size());
+}
+
+TEST(Fft, ReferenceAgreesWithTheDefinition) {
+    for (size_t n = 1; n <= 256; n *= 2)
+        for (int sign : {-1, 1}) {
+            const auto x = randomSignal(n, unsigned(n));
+            const auto a = naiveDft(x, sign), b = referenceFft(x, sign);
+            for (size_t k = 0; k < n; ++k) EXPECT_LT(std::abs(a[k] - b[k]), 1e-9) << n;
+        }
+}
+
+TEST(Fft, MatchesDoublePrecisionTransformAtEverySize) {
+    for (size_t n = 4; n <= (size_t{1} << 16); n *= 2)
+        for (int direction : {-1, 1})
+            EXPECT_LT(ownFftError(randomSignal(n, unsigned(n + direction)), direction), 1e-5)
+                << "n = " << n << ", direction " << direction;
+}
+
+TEST(Fft, LargestSizeStaysAccurate) {
+    const size_t n = kMaxFftSize;
+    EXPECT_LT(ownFftError(randomSignal(n, 7), 1), 1e-5);
+}
+
+TEST(Fft, ImpulseGivesFlatSpectrumInBothDirections) {
+    for (int direction : {-1, 1}) {
+        std::vector<float> re(64, 0.0f), im(64, 0.0f);
+        re[0] = 1.0f;
+        fft(re.data(), im.data(), 64, direction);
+        for (size_t k = 0; k < 64; ++k) {
+            EXPECT_FLOAT_EQ(re[k], 1.0f);
+            EXPECT_FLOAT_EQ(im[k], 0.0f);
+        }
+    }
+}
+
+TEST(Fft, PositiveFrequencyLandsOnLastPointForwardAndSecondPointBackward) {
+    const size_t n = 128;
+    for (int direction : {1, -1}) {
+        std::vector<float> re(n), im(n);
+        for (size_t m = 0; m < n; ++m) {
+            re[m] = float(std::cos(2.0 * kPi * double(m) / double(n)));
+            im[m] = float(std::sin(2.0 * kPi * double(m) / double(n)));
+        }
+        fft(re.data(), im.data(), n, direction);
+        const size_t peak = direction > 0 ? n - 1 : 1;
+        for (size_t k = 0; k < n; ++k) {
+            EXPECT_NEAR(re[k], k == peak ? double(n) : 0.0, 1e-4) << k;
+            EXPECT_NEAR(im[k], 0.0, 1e-4) << k;
+        }
+    }
+}
+
+TEST(Fft, ForwardThenBackwardScalesByLength) {
+    const size_t n = 1024;
+    const auto x = randomSignal(n, 3);
+    std::vector<float> re(n), im(n);
+    for (size_t m = 0; m < n; ++m) {
+        re[m] = float(x[m].real());
+        im[m] = float(x[m].imag());
+    }
+    fft(re.data(), im.data(), n, 1);
+    fft(re.data(), im.data(), n, -1);
+    for (size_t m = 0; m < n; ++m) {
+        EXPECT_NEAR(re[m] / double(n), x[m].real(), 1e-5);
+        EXPECT_NEAR(im[m] / double(n), x[m].imag(), 1e-5);
+    }
+}
+
+TEST(Fft, InvalidLengthLeavesDataAlone) {
+    std::vector<float> re{1, 2, 3, 4, 5, 6}, im(6, 0.0f);
+    fft(re.data(), im.data(), 6, 1);
+    EXPECT_EQ(re, (std::vector<float>{1, 2, 3, 4, 5, 6}));
+    fft(re.data(), im.data(), 2, 1);
+    EXPECT_EQ(re, (std::vector<float>{1, 2, 3, 4, 5, 6}));
+}
+
+TEST(RealFt, UnscrambledPackedTransformIsFirstHalfOfRealSpectrum) {
+    for (size_t n : {size_t{4}, size_t{64}, size_t{4096}}) {
+        std::mt19937 rng{unsigned(n)};
+        std::uniform_real_distribution<float> u(-1.0f, 1.0f);
+        std::vector<Complex> real(2 * n);
+        std::vector<float> re(n), im(n);
+        for (size_t m = 0; m < n; ++m) {
+            re[m] = u(rng);
+            im[m] = u(rng);
+            real[2 * m] = re[m];
+            real[2 * m + 1] = im[m];
+        }
+        fft(re.data(), im.data(), n, 1);
+        unscrambleRealFt(re.data(), im.data(), n);
+        EXPECT_LT(relativeError(re, im, referenceFft(real, 1), n), 1e-5) << n;
+        EXPECT_EQ(im[0], 0.0f);
+    }
+}
+
+TEST(Hilbert, CosineGainsSineAsImaginaryPart) {
+    for (size_t n : {size_t{32}, size_t{2048}}) {
+        std::vector<float> re(n), im(n, 5.0f), scratch(n);
+        for (size_t m = 0; m < n; ++m) re[m] = float(std::cos(2.0 * kPi * 5.0 * double(m) / n));
+        const auto before = re;
+        hilbertRow(re.data(), im.data(), n, scratch.data());
+        for (size_t m = 0; m < n; ++m)
+            EXPECT_NEAR(im[m], std::sin(2.0 * kPi * 5.0 * double(m) / n), 1e-5) << m;
+        EXPECT_EQ(re, before);
+    }
+}
+
+TEST(Hilbert, RowsTooShortOrNotPowersOfTwoGetZeros) {
+    for (size_t n : {size_t{16}, size_t{48}}) {
+        std::vector<float> re(n, 1.0f), im(n, 3.0f), scratch(n);
+        hilbertRow(re.data(), im.data(), n, scratch.data());
+        EXPECT_EQ(im, std::vector<float>(n, 0.0f)) << n;
+    }
+}
+
+}  // namespace
+}  // namespace zolt
