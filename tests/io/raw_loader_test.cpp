@@ -1,0 +1,349 @@
+#include "io/raw_loader.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "test_data.h"
+
+namespace zolt {
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+namespace sf = source_flags;
+
+// Encoders written independently of the loader: the word's bytes in the requested order.
+void putWord(Bytes& out, uint64_t word, int n, bool little) {
+    for (int i = 0; i < n; ++i) {
+        const int shift = 8 * (little ? i : n - 1 - i);
+        out.push_back(static_cast<unsigned char>(word >> shift));
+    }
+}
+
+void put(Bytes& out, NumberType t, double v, bool little) {
+    switch (t) {
+        case NumberType::Long:
+            putWord(out, static_cast<uint32_t>(static_cast<int32_t>(v)), 4, little);
+            break;
+        case NumberType::Short:
+            putWord(out, static_cast<uint16_t>(static_cast<int16_t>(v)), 2, little);
+            break;
+        case NumberType::Bits24:
+            putWord(out, static_cast<uint32_t>(static_cast<int32_t>(v)) & 0xFFFFFF, 3, little);
+            break;
+        case NumberType::Float:
+            putWord(out, std::bit_cast<uint32_t>(static_cast<float>(v)), 4, little);
+            break;
+        case NumberType::Double:
+            putWord(out, std::bit_cast<uint64_t>(v), 8, little);
+            break;
+        default:
+            FAIL() << "not a binary type";
+    }
+}
+
+class RawLoaderTest : public ::testing::Test {
+protected:
+    std::string dir = testdata::freshTempDir("raw-loader");
+    void TearDown() override { std::filesystem::remove_all(dir); }
+
+    std::string write(const Bytes& bytes, const std::string& name = "data") {
+        const std::string path = dir + "/" + name;
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()),
+                   static_cast<std::streamsize>(bytes.size()));
+        return path;
+    }
+
+    // A source of `rows` rows of `points` points; 1 row makes it 1-D.
+    static SpectrumSource source(const std::string& path, NumberType t, uint32_t flags,
+                                 uint32_t points, uint32_t rows = 1) {
+        SpectrumSource s;
+        s.rawPath = path;
+        s.numberType = t;
+        s.flags = flags;
+        s.blockSize = kDefaultBlockSize;
+        if (rows > 1) {
+            s.dims[1].points = rows;
+            s.dims[2].points = points;
+            s.xIndex = 2;
+            s.yIndex = 1;
+        } else {
+            s.dims[1].points = points;
+            s.xIndex = 1;
+        }
+        return s;
+    }
+};
+
+TEST_F(RawLoaderTest, EveryNumberTypeDecodesInBothByteOrders) {
+    struct Case {
+        NumberType type;
+        std::vector<double> values;
+    };
+    const std::vector<Case> cases = {
+        {NumberType::Long, {1, -1, 2147483520.0, -2147483648.0, 123456, -654321}},
+        {NumberType::Short, {1, -1, 32767, -32768, 1234, -4321}},
+        {NumberType::Bits24, {1, -1, 8388607, -8388608, 65536, -70000}},
+        {NumberType::Float, {0.5, -0.25, 3.0e30, -1.0e-30, 1234.5, -7.75}},
+        {NumberType::Double, {0.5, -0.25, 3.0e30, -1.0e-30, 1234.5, -7.75}},
+    };
+    for (const auto& c : cases)
+        for (bool little : {false, true}) {
+            SCOPED_TRACE(std::string(numberTypeName(c.type)) + (little ? " LE" : " BE"));
+            Bytes b;
+            for (double v : c.values) put(b, c.type, v, little);
+            auto m = loadMatrix(source(write(b), c.type, little ? sf::kLittleEndian : 0, 3));
+            ASSERT_TRUE(m);
+            ASSERT_EQ(m->re.size(), 3u);
+            ASSERT_EQ(m->im.size(), 3u);
+            for (size_t i = 0; i < 3; ++i) {
+                EXPECT_EQ(m->re[i], static_cast<float>(c.values[2 * i]));
+                EXPECT_EQ(m->im[i], static_cast<float>(c.values[2 * i + 1]));
+            }
+        }
+}
+
+TEST_F(RawLoaderTest, OutOfRangeDoublesBecomeInfinities) {
+    Bytes b;
+    put(b, NumberType::Double, 1e300, true);
+    put(b, NumberType::Double, -1e300, true);
+    auto m = loadMatrix(source(write(b), NumberType::Double, sf::kLittleEndian, 1));
+    ASSERT_TRUE(m);
+    EXPECT_TRUE(std::isinf(m->re[0]) && m->re[0] > 0);
+    EXPECT_TRUE(std::isinf(m->im[0]) && m->im[0] < 0);
+}
+
+TEST_F(RawLoaderTest, ShortsAcrossStagingChunksKeepTheirPlace) {
+    Bytes b;
+    const uint32_t points = 5000;  // 10,000 values: three chunks of the staging buffer
+    for (uint32_t i = 0; i < 2 * points; ++i)
+        put(b, NumberType::Short, (i % 30000) - 15000.0, false);
+    auto m = loadMatrix(source(write(b), NumberType::Short, 0, points));
+    ASSERT_TRUE(m);
+    for (uint32_t p : {0u, 2047u, 2048u, 4095u, 4096u, 4999u}) {
+        EXPECT_EQ(m->re[p], static_cast<float>((2 * p % 30000) - 15000.0)) << p;
+        EXPECT_EQ(m->im[p], static_cast<float>(((2 * p + 1) % 30000) - 15000.0)) << p;
+    }
+}
+
+TEST_F(RawLoaderTest, HeaderBytesAreSkippedOnce) {
+    Bytes b(100, 0xEE);
+    for (int v : {7, 8, 9, 10}) put(b, NumberType::Long, v, false);
+    auto s = source(write(b), NumberType::Long, 0, 2);
+    s.headerSize = 100;
+    auto m = loadMatrix(s);
+    ASSERT_TRUE(m);
+    EXPECT_EQ(m->re, (std::vector<float>{7, 9}));
+    EXPECT_EQ(m->im, (std::vector<float>{8, 10}));
+}
+
+TEST_F(RawLoaderTest, SerRowsSkipTheirPadding) {
+    // 125 complex 32-bit points make 1000 bytes; rows are padded to 1024.
+    const uint32_t points = 125, rows = 3;
+    Bytes b;
+    for (uint32_t r = 0; r < rows; ++r) {
+        for (uint32_t i = 0; i < 2 * points; ++i) put(b, NumberType::Long, r * 1000.0 + i, false);
+        b.insert(b.end(), 24, 0x7F);
+    }
+    auto s = source(write(b, "ser"), NumberType::Long, 0, points, rows);
+    s.blockSize = 1024;
+    s.blockHeader = 24;
+    auto m = loadMatrix(s);
+    ASSERT_TRUE(m);
+    ASSERT_EQ(m->re.size(), points * rows);
+    for (uint32_t r = 0; r < rows; ++r) {
+        EXPECT_EQ(m->re[r * points], r * 1000.0f);
+        EXPECT_EQ(m->im[r * points + 124], r * 1000.0f + 249);
+    }
+    EXPECT_EQ(m->contiguous, 2);
+    EXPECT_EQ(m->dimensions, 2);
+    EXPECT_TRUE(m->workRow.empty());
+    EXPECT_FALSE(m->state & matrix_state::kWorkRow);
+}
+
+TEST_F(RawLoaderTest, BlockMatrixTilesBecomePlainRows) {
+    // 8 x 4 real matrix in tiles 4 wide and 2 high; value = row * 100 + column.
+    const int width = 4, height = 2, cols = 8, rows = 4;
+    Bytes b;
+    for (int tr = 0; tr < rows / height; ++tr)
+        for (int tc = 0; tc < cols / width; ++tc)
+            for (int k = 0; k < height; ++k)
+                for (int c = 0; c < width; ++c)
+                    put(b, NumberType::Long, (tr * height + k) * 100 + tc * width + c, true);
+    auto s = source(write(b, "2rr"), NumberType::Long,
+                    sf::kRealOnly | sf::kBlockMatrix | sf::kLittleEndian, cols, rows);
+    s.blockSize = width * width * 8;
+    s.subMatrixHeight = height;
+    auto m = loadMatrix(s);
+    ASSERT_TRUE(m);
+    EXPECT_TRUE(m->im.empty());
+    for (int r = 0; r < rows; ++r)
+        for (int c = 0; c < cols; ++c) EXPECT_EQ(m->re[r * cols + c], r * 100 + c) << r << "," << c;
+}
+
+TEST_F(RawLoaderTest, BlockMatrixWithoutHeightUsesSquareTiles) {
+    const int width = 2, cols = 4, rows = 4;
+    Bytes b;
+    for (int tr = 0; tr < rows / width; ++tr)
+        for (int tc = 0; tc < cols / width; ++tc)
+            for (int k = 0; k < width; ++k)
+                for (int c = 0; c < width; ++c)
+                    put(b, NumberType::Long, (tr * width + k) * 10 + tc * width + c, false);
+    auto s = source(write(b), NumberType::Long, sf::kRealOnly | sf::kBlockMatrix, cols, rows);
+    s.blockSize = width * width * 8;
+    auto m = loadMatrix(s);
+    ASSERT_TRUE(m);
+    EXPECT_EQ(m->re,
+              (std::vector<float>{0, 1, 2, 3, 10, 11, 12, 13, 20, 21, 22, 23, 30, 31, 32, 33}));
+
+    s.blockSize = 100;  // not the square of a tile width
+    EXPECT_FALSE(loadMatrix(s));
+    s.blockSize = 3 * 3 * 8;  // tiles that do not divide the rows
+    EXPECT_FALSE(loadMatrix(s));
+}
+
+TEST_F(RawLoaderTest, RealOnlyInterleavedAndConjugateLayouts) {
+    Bytes b;
+    for (int v : {1, 2, 3, 4, 5, 6, 7, 8}) put(b, NumberType::Long, v, false);
+    const std::string path = write(b);
+
+    auto real = loadMatrix(source(path, NumberType::Long, sf::kRealOnly, 4, 2));
+    ASSERT_TRUE(real);
+    EXPECT_EQ(real->re, (std::vector<float>{1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_TRUE(real->im.empty());
+    EXPECT_TRUE(real->realOnly());
+
+    // Each row: its real values, then its imaginary values.
+    auto inter = loadMatrix(source(path, NumberType::Long, sf::kInterleaved | sf::kRealOnly, 2, 2));
+    ASSERT_TRUE(inter);
+    EXPECT_EQ(inter->re, (std::vector<float>{1, 2, 5, 6}));
+    EXPECT_EQ(inter->im, (std::vector<float>{3, 4, 7, 8}));
+    EXPECT_FALSE(inter->realOnly());
+
+    auto conj = loadMatrix(source(path, NumberType::Long, sf::kComplexConjugate, 4));
+    ASSERT_TRUE(conj);
+    EXPECT_EQ(conj->re, (std::vector<float>{1, 3, 5, 7}));
+    EXPECT_EQ(conj->im, (std::vector<float>{-2, -4, -6, -8}));
+    EXPECT_TRUE(conj->state & matrix_state::kComplexConjugate);
+}
+
+TEST_F(RawLoaderTest, MatrixCarriesAxesIndicesAndState) {
+    Bytes b;
+    for (int v = 0; v < 8; ++v) put(b, NumberType::Float, v, true);
+    auto s = source(write(b), NumberType::Float, sf::kLittleEndian | sf::kMagnitude, 4);
+    s.dims[1].spectralWidth = 12.5f;
+    s.dims[1].timeShift = -61.0f;
+    s.dims[2].points = 0;  // a saved 0 is a 1-point axis
+    s.phaseable = {0, 1, 1, 0};
+    auto m = loadMatrix(s);
+    ASSERT_TRUE(m);
+    EXPECT_EQ(m->dims[1].spectralWidth, 12.5f);
+    EXPECT_EQ(m->dims[1].timeShift, -61.0f);
+    for (int f : {0, 2, 3}) EXPECT_EQ(m->dims[f].points, 1u);
+    EXPECT_EQ(m->pointCount(), 4u);
+    EXPECT_EQ(m->contiguous, 1);
+    EXPECT_EQ(m->xIndex, 1);
+    EXPECT_EQ(m->dimensions, 1);
+    EXPECT_EQ(m->phaseable, s.phaseable);
+    EXPECT_EQ(m->state,
+              matrix_state::kMagnitude | matrix_state::kF2Phaseable | matrix_state::kWorkRow);
+    EXPECT_EQ(m->workRow.size(), 4u);
+}
+
+TEST_F(RawLoaderTest, InMemorySourcesNeedNoFile) {
+    SpectrumSource s = source("", NumberType::InMemory, 0, 3);
+    s.memory = {1, -1, 2, -2, 3, -3};
+    auto m = loadMatrix(s);
+    ASSERT_TRUE(m);
+    EXPECT_EQ(m->re, (std::vector<float>{1, 2, 3}));
+    EXPECT_EQ(m->im, (std::vector<float>{-1, -2, -3}));
+    s.memory.pop_back();  // a buffer in memory must be whole
+    EXPECT_FALSE(loadMatrix(s));
+    s.flags = sf::kRealOnly;
+    s.memory = {4, 5, 6};
+    EXPECT_EQ(loadMatrix(s)->re, (std::vector<float>{4, 5, 6}));
+}
+
+TEST_F(RawLoaderTest, TruncatedLastRowIsZeroFilledOnlyWhenMostlyThere) {
+    // Two rows of 4 complex points; the file loses values from the end of the last row.
+    auto file = [&](int values) {
+        Bytes b;
+        for (int v = 1; v <= values; ++v) put(b, NumberType::Long, v, false);
+        return source(write(b), NumberType::Long, 0, 4, 2);
+    };
+    auto m = loadMatrix(file(13));  // 3 of 8 values of row 2 missing
+    ASSERT_TRUE(m);
+    EXPECT_EQ(m->re, (std::vector<float>{1, 3, 5, 7, 9, 11, 13, 0}));
+    EXPECT_EQ(m->im, (std::vector<float>{2, 4, 6, 8, 10, 12, 0, 0}));
+    EXPECT_TRUE(loadMatrix(file(12)));   // exactly half of the last row
+    EXPECT_FALSE(loadMatrix(file(11)));  // more than half missing
+    EXPECT_FALSE(loadMatrix(file(4)));   // rows missing altogether
+    EXPECT_FALSE(loadMatrix(file(0)));
+}
+
+TEST_F(RawLoaderTest, HostileSizesAreRefusedBeforeAllocating) {
+    Bytes b(64, 0);
+    const std::string path = write(b);
+    auto s = source(path, NumberType::Long, 0, 4);
+
+    auto huge = s;  // 2^31 x 2^31 points overflow any size
+    huge.dims[1].points = 0x80000000u;
+    huge.dims[2].points = 0x80000000u;
+    EXPECT_FALSE(loadMatrix(huge));
+
+    auto big = s;  // fits in 64 bits but not under the matrix limit
+    big.dims[1].points = 0xFFFFFFFFu;
+    EXPECT_FALSE(loadMatrix(big));
+
+    auto large = s;  // under the limit, far beyond the file
+    large.dims[1].points = 1u << 27;
+    EXPECT_FALSE(loadMatrix(large));
+
+    auto header = s;
+    header.headerSize = 0xFFFFFFFFu;
+    EXPECT_FALSE(loadMatrix(header));
+
+    auto padding = source(path, NumberType::Long, 0, 1, 1u << 20);
+    padding.blockHeader = 0xFFFFFFFFu;  // stride x rows beyond 2^50
+    EXPECT_FALSE(loadMatrix(padding));
+
+    auto tiles = source(path, NumberType::Long, sf::kRealOnly | sf::kBlockMatrix, 4, 4);
+    tiles.blockSize = 0xFFFFFFF8u;
+    EXPECT_FALSE(loadMatrix(tiles));
+}
+
+TEST_F(RawLoaderTest, MissingFilesAndUndecodedFormsGiveNothing) {
+    Bytes b(64, 0);
+    const std::string path = write(b);
+    EXPECT_FALSE(loadMatrix(source(dir + "/absent", NumberType::Long, 0, 4)));
+    EXPECT_FALSE(loadMatrix(source(dir, NumberType::Long, 0, 4)));  // a folder
+    for (auto t :
+         {NumberType::AsciiSqueezed, NumberType::Text, NumberType::NoData, NumberType::SpinSystem})
+        EXPECT_FALSE(loadMatrix(source(path, t, 0, 4))) << numberTypeName(t);
+    EXPECT_FALSE(loadMatrix(source(path, NumberType::Long, sf::kVarianBinary, 4)));
+    EXPECT_TRUE(loadMatrix(source(path, NumberType::Long, 0, 4)));
+}
+
+TEST_F(RawLoaderTest, SingleRawValuesAtAByteOffset) {
+    Bytes b = {0x00, 0x12, 0x34, 0x56, 0x78, 0xFF, 0xFF};
+    auto s = source(write(b), NumberType::Long, 0, 1);
+    EXPECT_EQ(readRawValue(s, 1), static_cast<float>(0x12345678));
+    s.flags = sf::kLittleEndian;
+    EXPECT_EQ(readRawValue(s, 1), static_cast<float>(0x78563412));
+    s.numberType = NumberType::Short;
+    EXPECT_EQ(readRawValue(s, 5), -1.0f);
+    EXPECT_FALSE(readRawValue(s, 6));  // one byte short of a value
+    const unsigned char bits24[] = {0x80, 0x00, 0x01};
+    EXPECT_EQ(decodeRawValue(bits24, NumberType::Bits24, false), -8388607.0f);
+    EXPECT_EQ(decodeRawValue(bits24, NumberType::Bits24, true), 65664.0f);
+}
+
+}  // namespace
+}  // namespace zolt
