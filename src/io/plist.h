@@ -35,7 +35,7 @@ struct Value {
     std::vector<Value*> items;
     // String and date: UTF-8 text as stored; data: the bytes.
     std::string text;
-    // String made from wide text: its length in UTF-16 code units.
+    // String and date: the length in UTF-16 code units (the 16-bit field, so capped).
     uint16_t wideLength = 0;
     int32_t integer = 0;
     double real = 0.0;
@@ -65,11 +65,26 @@ void release(Value* value);
 
 std::u16string toWide(const Value* string);
 
+// Wide text to UTF-8 with one, two or three bytes per code unit (surrogates are encoded
+// one by one, never paired), and back; the reverse decodes the same three forms.
+std::string utf8FromWide(std::u16string_view wide);
+std::u16string wideFromUtf8(std::string_view utf8);
+
+// Typed views of a value, nothing when it is absent or of another kind. numberOf accepts
+// an integer or a real; textOf a string or a date.
+std::optional<int32_t> integerOf(const Value* value);
+std::optional<double> numberOf(const Value* value);
+std::optional<bool> booleanOf(const Value* value);
+const std::string* textOf(const Value* value);
+
 std::string write(const Value* root);
 // Writes to a temporary file beside the path and renames it into place, so a failure
 // leaves nothing half-written. Returns false when the file cannot be created.
 bool writeFile(const Value* root, const std::string& path);
-// nullptr when the text holds no readable element.
+// Deeper nesting than this reads as nothing, so hostile text cannot exhaust the stack.
+inline constexpr int kMaxReadDepth = 512;
+// The first element after the prolog ("<?xml", "<!DOCTYPE", "<plist>"); nullptr when it is
+// unreadable or damaged.
 Value* read(std::string_view text);
 
 // Owns one reference: releases on destruction.

@@ -1,0 +1,287 @@
+#include "io/plist.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "test_data.h"
+
+namespace zolt::plist {
+namespace {
+
+const char* const kHeader =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+    "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+    "<plist version=\"1.0\">\n";
+
+std::string written(Value* v) {
+    Ref owner(v);
+    return write(v);
+}
+
+// The line of a written real, e.g. "<real>0.5</real>".
+std::string realLine(double r) {
+    std::string text = written(createReal(r));
+    const size_t begin = std::string(kHeader).size();
+    return text.substr(begin, text.size() - begin - std::string("\n</plist>\n").size());
+}
+
+TEST(PlistWriter, HeaderAndClosingLinesAreExact) {
+    EXPECT_EQ(written(createInteger(7)), std::string(kHeader) + "<integer>7</integer>\n</plist>\n");
+}
+
+TEST(PlistWriter, RealsFollowTheDecimalRule) {
+    EXPECT_EQ(realLine(2.0), "<real>2</real>");
+    EXPECT_EQ(realLine(-2.0), "<real>-2</real>");
+    EXPECT_EQ(realLine(0.5), "<real>0.5</real>");
+    EXPECT_EQ(realLine(1234.5), "<real>1234.5</real>");
+    EXPECT_EQ(realLine(-2.5), "<real>-2.5</real>");
+    // 16 - e decimals, e the truncated logarithm: -1 for 0.1 (17), 3 for 1234.1 (13), -3 for
+    // 0.000123 (19, clamped from -3.9) and negative values (no logarithm).
+    EXPECT_EQ(realLine(0.1), "<real>0.10000000000000001</real>");
+    EXPECT_EQ(realLine(1234.1), "<real>1234.0999999999999</real>");
+    EXPECT_EQ(realLine(0.000123), "<real>0.000123</real>");
+    EXPECT_EQ(realLine(6.02e-23), "<real>0</real>");  // below 1e-15 above its floor
+    EXPECT_EQ(realLine(-1e-20), "<real>-0.</real>");  // all 19 decimals are zeros
+    EXPECT_EQ(realLine(3e9), "<real>3000000000</real>");
+}
+
+TEST(PlistWriter, DictionaryKeysSortByUnsignedBytesAndDuplicatesStay) {
+    Ref d(createDictionary());
+    addToDictionary(d.get(), "\xC3\xA9t\xC3\xA9", createInteger(1));
+    addToDictionary(d.get(), "b", createInteger(2));
+    addToDictionary(d.get(), "B", createInteger(3));
+    addToDictionary(d.get(), "b", createInteger(4));
+    addToDictionary(d.get(), "! f-index", createInteger(5));
+    EXPECT_EQ(write(d.get()), std::string(kHeader) +
+                                  "<dict>\n"
+                                  "\t<key>! f-index</key>\n\t<integer>5</integer>\n"
+                                  "\t<key>B</key>\n\t<integer>3</integer>\n"
+                                  "\t<key>b</key>\n\t<integer>2</integer>\n"
+                                  "\t<key>b</key>\n\t<integer>4</integer>\n"
+                                  "\t<key>\xC3\xA9t\xC3\xA9</key>\n\t<integer>1</integer>\n"
+                                  "</dict>\n</plist>\n");
+    EXPECT_EQ(lookUp(d.get(), "b")->integer, 2);
+    EXPECT_EQ(lookUp(d.get(), "c"), nullptr);
+
+    Ref back(read(write(d.get())));
+    ASSERT_TRUE(back);
+    ASSERT_EQ(back->items.size(), 5u);
+    EXPECT_EQ(lookUp(back.get(), "b")->integer, 2);
+}
+
+TEST(PlistWriter, NestingIndentsWithTabsAndEmptyArrayTakesTwoLines) {
+    Ref d(createDictionary());
+    Value* a = createArray();
+    appendToArray(a, createBoolean(true));
+    appendToArray(a, createArray());
+    addToDictionary(d.get(), "list", a);
+    EXPECT_EQ(write(d.get()), std::string(kHeader) +
+                                  "<dict>\n\t<key>list</key>\n\t<array>\n\t\t<true/>\n"
+                                  "\t\t<array>\n\t\t</array>\n\t</array>\n</dict>\n</plist>\n");
+}
+
+TEST(PlistWriter, DataIsBase64InLinesOfSixty) {
+    std::string bytes;
+    for (int i = 0; i < 100; ++i) bytes += static_cast<char>(i * 7);
+    const std::string text = written(createData(bytes));
+    // 100 bytes: 136 characters, lines of 60, 60 and 16.
+    const size_t begin = text.find("<data>\n") + 7;
+    const size_t end = text.find("</data>");
+    std::string lines = text.substr(begin, end - begin);
+    ASSERT_EQ(std::count(lines.begin(), lines.end(), '\n'), 3);
+    EXPECT_EQ(lines.find('\n'), 60u);
+    EXPECT_EQ(lines.find('\n', 61), 121u);
+    EXPECT_EQ(lines.substr(122).size(), 17u);
+    EXPECT_EQ(lines.substr(122), "dn2Ei5KZoKeutQ==\n");
+    Ref back(read(text));
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->text, bytes);
+}
+
+TEST(PlistRoundTrip, EveryKindReadsBackEqual) {
+    Ref d(createDictionary());
+    addToDictionary(d.get(), "string", createStringFromWide(u"\u00b9H \u03b4 \u2013 ppm"));
+    addToDictionary(d.get(), "integer", createInteger(-2147483647 - 1));
+    addToDictionary(d.get(), "real", createReal(-123.456789012345));
+    addToDictionary(d.get(), "small real", createReal(6.02e-23));
+    addToDictionary(d.get(), "true", createBoolean(true));
+    addToDictionary(d.get(), "false", createBoolean(false));
+    addToDictionary(d.get(), "data", createData(std::string("\0\x01\xff\x80zz", 6)));
+    addToDictionary(d.get(), "empty data", createData(""));
+    addToDictionary(d.get(), "date", createDate("2024-03-01T12:00:00Z"));
+    addToDictionary(d.get(), "empty", createString(""));
+    Value* a = createArray();
+    appendToArray(a, createReal(1.5));
+    appendToArray(a, createDictionary());
+    addToDictionary(d.get(), "array", a);
+
+    Ref back(read(write(d.get())));
+    ASSERT_TRUE(back);
+    EXPECT_EQ(toWide(lookUp(back.get(), "string")), u"\u00b9H \u03b4 \u2013 ppm");
+    EXPECT_EQ(lookUp(back.get(), "string")->wideLength, 10);
+    EXPECT_EQ(integerOf(lookUp(back.get(), "integer")), -2147483647 - 1);
+    EXPECT_DOUBLE_EQ(*numberOf(lookUp(back.get(), "real")), -123.456789012345);
+    EXPECT_DOUBLE_EQ(*numberOf(lookUp(back.get(), "small real")), 0.0);  // written as 0
+    EXPECT_EQ(booleanOf(lookUp(back.get(), "true")), true);
+    EXPECT_EQ(booleanOf(lookUp(back.get(), "false")), false);
+    EXPECT_EQ(lookUp(back.get(), "data")->text, std::string("\0\x01\xff\x80zz", 6));
+    EXPECT_EQ(lookUp(back.get(), "empty data")->text, "");
+    // A date comes back as the string it was written as.
+    EXPECT_EQ(lookUp(back.get(), "date")->kind, Kind::String);
+    EXPECT_EQ(*textOf(lookUp(back.get(), "date")), "2024-03-01T12:00:00Z");
+    EXPECT_EQ(*textOf(lookUp(back.get(), "empty")), "");
+    const Value* array = lookUp(back.get(), "array");
+    ASSERT_EQ(array->items.size(), 2u);
+    EXPECT_EQ(array->items[0]->real, 1.5);
+    EXPECT_EQ(array->items[1]->kind, Kind::Dictionary);
+    EXPECT_EQ(write(back.get()), write(d.get()));
+}
+
+TEST(PlistWide, ThreeFormsPerCodeUnitWithoutPairing) {
+    const std::u16string wide = u"A\u00e9\u4e2d\U0001F600";
+    const std::string utf8 = utf8FromWide(wide);
+    // 1 + 2 + 3 bytes, then each surrogate alone in three bytes.
+    EXPECT_EQ(utf8, "A\xC3\xA9\xE4\xB8\xAD\xED\xA0\xBD\xED\xB8\x80");
+    EXPECT_EQ(wideFromUtf8(utf8), wide);
+    Ref s(createStringFromWide(wide));
+    EXPECT_EQ(s->wideLength, 5);
+    // Truncated forms decode bytewise and never read past the end.
+    EXPECT_EQ(wideFromUtf8("\xE4\xB8"), std::u16string(u"\u00e4\u00b8"));
+}
+
+TEST(PlistReader, ReadsTheCommonForms) {
+    Ref a(read("<array/>"));
+    ASSERT_TRUE(a);
+    EXPECT_EQ(a->kind, Kind::Array);
+    EXPECT_TRUE(a->items.empty());
+
+    Ref nested(
+        read("<plist><array><array><integer> 12 </integer></array><array/>"
+             "<real>2.5e3</real></array></plist>"));
+    ASSERT_TRUE(nested);
+    ASSERT_EQ(nested->items.size(), 3u);
+    EXPECT_EQ(nested->items[0]->items[0]->integer, 12);
+    EXPECT_TRUE(nested->items[1]->items.empty());
+    EXPECT_EQ(nested->items[2]->real, 2500.0);
+
+    // Entities stay as written; unknown elements are absent entries.
+    Ref d(
+        read("<dict><key>a</key><string>x &lt; y</string><key>u</key><unknown/>"
+             "<key>b</key><integer>3</integer></dict>"));
+    ASSERT_TRUE(d);
+    EXPECT_EQ(*textOf(lookUp(d.get(), "a")), "x &lt; y");
+    EXPECT_EQ(lookUp(d.get(), "u"), nullptr);
+    EXPECT_EQ(integerOf(lookUp(d.get(), "b")), 3);
+}
+
+TEST(PlistReader, StringWithAngleBracketIsWrittenRawAndCannotComeBackWhole) {
+    Ref d(createDictionary());
+    addToDictionary(d.get(), "t", createString("a<b"));
+    const std::string text = write(d.get());
+    EXPECT_NE(text.find("<string>a<b</string>"), std::string::npos);
+    Ref back(read(text));
+    ASSERT_TRUE(back);
+    EXPECT_EQ(lookUp(back.get(), "t"), nullptr);
+}
+
+TEST(PlistReader, DamagedTextGivesNothing) {
+    EXPECT_EQ(read(""), nullptr);
+    EXPECT_EQ(read("no markup at all"), nullptr);
+    EXPECT_EQ(read("<"), nullptr);
+    EXPECT_EQ(read("<integer>5"), nullptr);
+    EXPECT_EQ(read("<real>5</rea"), nullptr);
+    EXPECT_EQ(read("<string>abc</strin"), nullptr);
+    EXPECT_EQ(read("<dict><key>a</key><integer>1</integer>"), nullptr);
+    EXPECT_EQ(read("<array><array></array>"), nullptr);
+    EXPECT_EQ(read("<d"), nullptr);
+    EXPECT_EQ(read("<doodle>"), nullptr);
+    EXPECT_EQ(read("\x01\xff<\x80<<>>"), nullptr);
+
+    // Truncating a real document anywhere never crashes and never reads a partial root.
+    Ref d(createDictionary());
+    addToDictionary(d.get(), "n", createInteger(1));
+    addToDictionary(d.get(), "data", createData("abcdef"));
+    const std::string text = write(d.get());
+    for (size_t n = 0; n + 10 < text.size(); ++n) {
+        Ref cut(read(text.substr(0, n)));
+        EXPECT_FALSE(cut) << n;
+    }
+
+    // A missing closing tag inside a container drops that entry only.
+    Ref partial(read("<array><integer>1</integer><string>open</array>"));
+    ASSERT_TRUE(partial);
+    ASSERT_EQ(partial->items.size(), 1u);
+}
+
+TEST(PlistReader, DeepNestingIsRefusedButModerateNestingReads) {
+    auto nest = [](int depth) {
+        std::string s;
+        for (int i = 0; i < depth; ++i) s += "<array>";
+        s += "<true/>";
+        for (int i = 0; i < depth; ++i) s += "</array>";
+        return s;
+    };
+    Ref ok(read(nest(kMaxReadDepth)));
+    EXPECT_TRUE(ok);
+    EXPECT_EQ(read(nest(kMaxReadDepth + 2)), nullptr);
+    EXPECT_EQ(read(std::string(200000, '<') + "dict>"), nullptr);
+    std::string unclosed;
+    for (int i = 0; i < 100000; ++i) unclosed += "<dict><key>k</key><string>";
+    EXPECT_EQ(read(unclosed), nullptr);
+}
+
+TEST(PlistReferenceCounts, ReleaseLowersSharedCountsAndSparesPermanentValues) {
+    Value* shared = createString("provenance");
+    EXPECT_EQ(retain(shared), shared);
+    EXPECT_EQ(shared->refCount, 1);
+    Value* tree = createArray();
+    appendToArray(tree, shared);
+    release(tree);  // the tree's owner is gone; the live owner still holds the string
+    EXPECT_EQ(shared->refCount, 0);
+    EXPECT_EQ(shared->text, "provenance");
+
+    Value* permanent = createInteger(42);
+    permanent->refCount = kNeverFreed - 1;
+    retain(permanent);
+    retain(permanent);
+    EXPECT_EQ(permanent->refCount, kNeverFreed);
+    Value* d = createDictionary();
+    addToDictionary(d, "x", permanent);
+    release(d);
+    release(permanent);
+    EXPECT_EQ(permanent->refCount, kNeverFreed);
+    EXPECT_EQ(permanent->integer, 42);
+
+    permanent->refCount = 0;
+    release(permanent);
+    release(shared);
+}
+
+TEST(PlistFile, WritesWholeFileAndFailsWithoutFolder) {
+    const std::string dir = testdata::freshTempDir("plist");
+    Ref d(createDictionary());
+    addToDictionary(d.get(), "version", createInteger(711));
+    const std::string path = dir + "/doc.zolt";
+    ASSERT_TRUE(writeFile(d.get(), path));
+    EXPECT_EQ(testdata::readFile(path), write(d.get()));
+    // Replacing an existing file leaves no temporary behind.
+    addToDictionary(d.get(), "more", createBoolean(true));
+    ASSERT_TRUE(writeFile(d.get(), path));
+    EXPECT_EQ(testdata::readFile(path), write(d.get()));
+    size_t files = 0;
+    for ([[maybe_unused]] const auto& e : std::filesystem::directory_iterator(dir)) ++files;
+    EXPECT_EQ(files, 1u);
+
+    const std::string missing = dir + "/no such folder";
+    EXPECT_FALSE(writeFile(d.get(), missing + "/doc.zolt"));
+    EXPECT_FALSE(std::filesystem::exists(missing));
+    files = 0;
+    for ([[maybe_unused]] const auto& e : std::filesystem::directory_iterator(dir)) ++files;
+    EXPECT_EQ(files, 1u);
+}
+
+}  // namespace
+}  // namespace zolt::plist
