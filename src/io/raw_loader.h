@@ -1,5 +1,18 @@
 // Turns a source into the working matrix: reads and converts the raw numbers.
 //
+// Sizes of a source, as the readers set them:
+// - headerSize bytes are skipped once at the start of the file.
+// - A multi-row raw file (a Bruker ser): blockSize is the stride in bytes between the starts
+//   of consecutive rows, and blockHeader the padding bytes inside that stride that are not data,
+//   skipped after each row's data. A Bruker row of N complex points takes N x 8 bytes (N x 16 for
+//   doubles) rounded up to a multiple of 1024, so blockHeader = blockSize - N x 8.
+// - 1-D data: blockSize is kDefaultBlockSize and blockHeader 0 (no padding).
+// - Processed Bruker data (1r, 2rr, 3rrr; "real only", 32-bit integers): plain rows of N x 4
+//   bytes (blockSize = N x 4 for 2-D and 3-D). With "block matrix" the file is stored in tiles
+//   of XDIM points by subMatrixHeight rows, one tile after the other across each band of rows;
+//   blockSize = XDIM x XDIM x 8, so XDIM = sqrt(blockSize / 8), and subMatrixHeight 0 means
+//   square tiles (XDIM rows).
+//
 // Layout of a raw file as the readers describe it in the source:
 // - `headerSize` bytes are skipped once at the start of the file.
 // - The data are rows along the direct axis (the highest f-index with more than one point);
