@@ -1,0 +1,15 @@
+#include "app/headless_platform.h"
+
+namespace zolt {
+
+MessageAnswer HeadlessPlatform::messageBox(std::string_view caption, std::string_view text,
+                                           MessageButtons buttons) {
+    err_ << caption << ": " << text << '\n' << std::flush;
+    return defaultAnswer(buttons);
+}
+
+void HeadlessPlatform::openWithSystem(const std::string& path) {
+    out_ << path << '\n';
+}
+
+}  // namespace zolt

@@ -1,0 +1,30 @@
+// The platform of runs without a desktop: messages on standard error, a clipboard in memory.
+#pragma once
+
+#include <iostream>
+
+#include "app/platform.h"
+
+namespace zolt {
+
+class HeadlessPlatform : public Platform {
+public:
+    HeadlessPlatform(std::ostream& out = std::cout, std::ostream& err = std::cerr)
+        : out_(out), err_(err) {}
+
+    // Writes "caption: text" and takes the default answer: nobody is there to choose.
+    MessageAnswer messageBox(std::string_view caption, std::string_view text,
+                             MessageButtons buttons) override;
+    std::string clipboardText() override { return clipboard_; }
+    void setClipboardText(std::string_view text) override { clipboard_ = text; }
+    void beep() override {}
+    // Prints the path: the user opens it themselves.
+    void openWithSystem(const std::string& path) override;
+
+private:
+    std::ostream& out_;
+    std::ostream& err_;
+    std::string clipboard_;
+};
+
+}  // namespace zolt
