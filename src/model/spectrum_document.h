@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <string>
 
 #include "model/processing_step.h"
@@ -29,6 +30,12 @@ struct WindowState {
     std::array<int, 4> bounds{};  // left, top, right, bottom in the frame's client area
 };
 
+// Bits of a document's flags word.
+namespace document_flags {
+inline constexpr uint32_t kCustomWorkflow = 0x4000;
+inline constexpr uint32_t kModified = 0x20000;
+}  // namespace document_flags
+
 struct SpectrumDocument {
     SpectrumSource source;
     SpectrumMatrix matrix;
@@ -38,6 +45,8 @@ struct SpectrumDocument {
     // Lowest program version able to read the saved file: a source new from a reader is 141.
     int readWithVersion = 141;
     bool writtenByNewerVersion = false;
+    std::string windowName;
+    uint32_t flags = 0;  // document_flags
 };
 
 }  // namespace zolt
