@@ -1,0 +1,72 @@
+// Baseline correction of the real parts, row by row along one dimension.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "model/processing_step.h"
+#include "model/spectrum_document.h"
+
+namespace zolt {
+
+inline constexpr const char* kInsufficientPointsCaption = "Insufficient number of points";
+inline constexpr const char* kInsufficientPointsText = "Try reducing the order of the polynomial";
+
+// Limit under which a diagonal element of R counts as zero in the polynomial fit.
+inline constexpr double kQrZeroLimit = 1.1920928955078125e-7;
+
+struct BaselineMessage {
+    std::string caption;
+    std::string text;
+};
+
+// Abscissa of point i of an n-point row in the polynomial fits: -1 at the first point, +1 at
+// the last, which keeps the powers up to high orders well conditioned.
+double normalisedAbscissa(size_t i, size_t n);
+// Horner's rule; coefficients[0] is the constant term.
+double evaluatePolynomial(const std::vector<double>& coefficients, double x);
+
+// The most points that may enter the fit of an n-point row: 64*order + 8 + n/16.
+size_t polynomialFitPoints(size_t n, int order);
+// Least squares by Householder QR through the baseline points (mask 0) of row, at most
+// polynomialFitPoints of them evenly spread over the list of baseline points. Empty when fewer
+// baseline points than coefficients remain.
+std::vector<double> fitBaselinePolynomial(const float* row, const uint8_t* mask, size_t n,
+                                          int order);
+
+// Automatic correction of every row along fIndex (rows of the real parts; of the first half
+// when the matrix holds hypercomplex halves) with the settings of a baseplane step: function
+// (non-zero polynomial, 0 Whittaker), order (polynomial order or smoothness index), moving
+// average (the autosampling half-width) and the optional ppm restriction. The threshold of the
+// autosampling is carried from row to row. Returns the message when the polynomial order asks
+// for more points than the row has; the data are then unchanged.
+std::optional<BaselineMessage> correctBaseline(SpectrumMatrix& m, int fIndex,
+                                               const BaseplaneStep& settings);
+// The same on a document, recording the baseplane step (kind 4) when it ran.
+std::optional<BaselineMessage> correctBaseline(SpectrumDocument& doc, int fIndex,
+                                               const BaseplaneStep& settings);
+// 2-D and 3-D: row-wise along the direct axis, then along each indirect axis in decreasing
+// f-index, one recorded step per axis. Stops at the first message.
+std::optional<BaselineMessage> correctBaseplane(SpectrumDocument& doc,
+                                                const BaseplaneStep& settings);
+
+// Subtracts the polynomial with explicit coefficients (over normalisedAbscissa of the whole
+// axis) from every row along fIndex.
+void subtractPolynomial(SpectrumMatrix& m, int fIndex, const PolynomialStep& step);
+// The same on a document, recording the polynomial step (kind 3) unless its order is negative.
+void applyPolynomialStep(SpectrumDocument& doc, int fIndex, const PolynomialStep& step);
+
+// Straight-line correction: per row, the line through the means of the first and the last
+// `percent` per cent of the points (at least one point each) is subtracted.
+void correctStraight(SpectrumMatrix& m, int fIndex, double percent = 5.0);
+
+// Calls fn(row, n) for every row of the real parts along fIndex, gathering rows of a
+// non-contiguous axis into a buffer and writing them back. Returns false when the matrix is
+// inconsistent (buffer shorter than its points) or the buffer cannot be had.
+bool forEachRealRow(SpectrumMatrix& m, int fIndex, const std::function<void(float*, size_t)>& fn);
+
+}  // namespace zolt
