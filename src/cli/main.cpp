@@ -1,6 +1,35 @@
-#include <cstdio>
+// zolt-cli: the headless program. Each command lives in its own file beside this one.
+#include <iostream>
+#include <string>
+#include <vector>
 
-int main() {
-    std::puts("zolt-cli");
-    return 0;
+#include "cli/info_command.h"
+
+namespace {
+
+constexpr const char* kUsage =
+    "usage: zolt-cli COMMAND [ARGUMENTS]\n"
+    "\n"
+    "commands:\n"
+    "  info PATH... [--json] [--points N] [--processed]   what a data set holds\n"
+    "\n"
+    "zolt-cli COMMAND --help describes a command.\n";
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const std::vector<std::string> args(argv + 1, argv + argc);
+    if (args.empty()) {
+        std::cerr << kUsage;
+        return 2;
+    }
+    const std::string& command = args[0];
+    const std::vector<std::string> rest(args.begin() + 1, args.end());
+    if (command == "--help" || command == "-h" || command == "help") {
+        std::cout << kUsage;
+        return 0;
+    }
+    if (command == "info") return zolt::runInfoCommand(rest, std::cout, std::cerr);
+    std::cerr << "zolt-cli: unknown command " << command << "\n" << kUsage;
+    return 2;
 }

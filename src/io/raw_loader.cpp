@@ -149,7 +149,7 @@ std::optional<Layout> planTiles(const SpectrumSource& src, const Shape& sh, uint
     l.tileWidth = squareRootOfTileBytes(src.blockSize);
     if (l.tileWidth < 2 || l.tileWidth > sh.rowPoints || sh.rowPoints % l.tileWidth)
         return std::nullopt;
-    l.tileHeight = src.subMatrixHeight > 1 ? src.subMatrixHeight : l.tileWidth;
+    l.tileHeight = src.subMatrixHeight ? src.subMatrixHeight : l.tileWidth;
     l.tileHeight = std::min(l.tileHeight, sh.rows);
     if (sh.rows % l.tileHeight) return std::nullopt;
     uint64_t full = 0;

@@ -29,7 +29,7 @@
 // - "block matrix": the file is a grid of tiles, each `tileWidth` points wide and
 //   `subMatrixHeight` rows high, stored tile after tile, left to right, then top to bottom;
 //   the reader stores the tile width as blockSize = width x width x 8. A sub-matrix height
-//   of 1 (not given) means square tiles; a height above the number of rows is cut to it.
+//   of 0 means square tiles; a height above the number of rows is cut to it.
 // - A file may end inside its last row (an acquisition stopped while writing it): the
 //   missing values are zero when at least half of that row is present. Anything shorter
 //   is refused.

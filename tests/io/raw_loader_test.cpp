@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "io/bruker_reader.h"
 #include "test_data.h"
 
 namespace zolt {
@@ -188,7 +189,7 @@ TEST_F(RawLoaderTest, BlockMatrixTilesBecomePlainRows) {
         for (int c = 0; c < cols; ++c) EXPECT_EQ(m->re[r * cols + c], r * 100 + c) << r << "," << c;
 }
 
-TEST_F(RawLoaderTest, BlockMatrixWithoutHeightUsesSquareTiles) {
+TEST_F(RawLoaderTest, BlockMatrixOfHeightZeroUsesSquareTiles) {
     const int width = 2, cols = 4, rows = 4;
     Bytes b;
     for (int tr = 0; tr < rows / width; ++tr)
@@ -198,6 +199,7 @@ TEST_F(RawLoaderTest, BlockMatrixWithoutHeightUsesSquareTiles) {
                     put(b, NumberType::Long, (tr * width + k) * 10 + tc * width + c, false);
     auto s = source(write(b), NumberType::Long, sf::kRealOnly | sf::kBlockMatrix, cols, rows);
     s.blockSize = width * width * 8;
+    s.subMatrixHeight = 0;
     auto m = loadMatrix(s);
     ASSERT_TRUE(m);
     EXPECT_EQ(m->re,
@@ -343,6 +345,149 @@ TEST_F(RawLoaderTest, SingleRawValuesAtAByteOffset) {
     const unsigned char bits24[] = {0x80, 0x00, 0x01};
     EXPECT_EQ(decodeRawValue(bits24, NumberType::Bits24, false), -8388607.0f);
     EXPECT_EQ(decodeRawValue(bits24, NumberType::Bits24, true), 65664.0f);
+}
+
+// Real spectrometer data, decoded here by hand from the file's bytes.
+int32_t wordAt(const std::string& bytes, size_t offset, bool little) {
+    uint32_t v = 0;
+    for (int i = 0; i < 4; ++i) {
+        const auto b = static_cast<unsigned char>(bytes.at(offset + i));
+        v |= uint32_t{b} << (8 * (little ? i : 3 - i));
+    }
+    return static_cast<int32_t>(v);
+}
+
+struct Loaded {
+    SpectrumSource source;
+    SpectrumMatrix matrix;
+};
+
+std::optional<Loaded> readAndLoad(const std::string& folder, bool processed = false) {
+    auto r = readBrukerFolder(folder, {.threeD = false, .processed = processed});
+    if (!r) return std::nullopt;
+    auto m = loadMatrix(r->source);
+    if (!m) return std::nullopt;
+    return Loaded{r->source, std::move(*m)};
+}
+
+TEST(RawLoaderRealData, EveryTestExperimentLoads) {
+    for (const char* name : {"aspirin-1h", "naphtoicAcid-1h", "strychnine-1h", "cyclosporin-1h",
+                             "cyclosporin-cosy", "cyclosporin-hsqc", "cyclosporin-hmbc",
+                             "inversion-recovery", "t1rho-1h", "cosy-nus", "hsqc-nus"}) {
+        SCOPED_TRACE(name);
+        auto l = readAndLoad(testdata::bruker(name));
+        ASSERT_TRUE(l);
+        EXPECT_EQ(l->matrix.re.size(), pointProduct(l->source.dims));
+        EXPECT_EQ(l->matrix.im.size(), l->matrix.re.size());
+        EXPECT_EQ(l->matrix.contiguous, directFIndex(l->source));
+        EXPECT_EQ(l->matrix.workRow.empty(), l->matrix.dimensions > 1);
+    }
+    for (const char* name : {"aspirin-1h-processed", "strychnine-1h", "cyclosporin-cosy",
+                             "cosy-nus", "t1rho-1h", "inversion-recovery"}) {
+        SCOPED_TRACE(std::string(name) + " processed");
+        auto l = readAndLoad(testdata::bruker(name), true);
+        ASSERT_TRUE(l);
+        EXPECT_TRUE(l->matrix.realOnly());
+        EXPECT_EQ(l->matrix.re.size(), pointProduct(l->source.dims));
+        EXPECT_TRUE(l->matrix.im.empty());
+    }
+}
+
+TEST(RawLoaderRealData, FidWordsMatchTheMatrix) {
+    const std::string folder = testdata::bruker("aspirin-1h");
+    const std::string fid = testdata::readFile(folder + "/fid");
+    auto l = readAndLoad(folder);
+    ASSERT_TRUE(l);
+    ASSERT_EQ(l->matrix.re.size(), 8192u);
+    for (size_t p : {0u, 70u, 71u, 4000u, 8191u}) {
+        EXPECT_EQ(l->matrix.re[p], static_cast<float>(wordAt(fid, 8 * p, false))) << p;
+        EXPECT_EQ(l->matrix.im[p], static_cast<float>(wordAt(fid, 8 * p + 4, false))) << p;
+    }
+    EXPECT_EQ(l->matrix.re[70], -147341.0f);  // bytes ff fd c0 73, read big-endian
+}
+
+TEST(RawLoaderRealData, SerRowsMatchTheFileWordForWord) {
+    const std::string folder = testdata::bruker("cyclosporin-cosy");
+    const std::string ser = testdata::readFile(folder + "/ser");
+    auto l = readAndLoad(folder);
+    ASSERT_TRUE(l);
+    const SpectrumMatrix& m = l->matrix;
+    ASSERT_EQ(m.dims[2].points, 1024u);
+    ASSERT_EQ(m.dims[1].points, 128u);
+    for (size_t row : {0u, 64u, 127u})
+        for (size_t p : {0u, 77u, 500u, 1023u}) {
+            const size_t at = row * 1024 + p, offset = row * 8192 + p * 8;
+            EXPECT_EQ(m.re[at], static_cast<float>(wordAt(ser, offset, true))) << row << "," << p;
+            EXPECT_EQ(m.im[at], static_cast<float>(wordAt(ser, offset + 4, true)))
+                << row << "," << p;
+        }
+}
+
+TEST(RawLoaderRealData, PaddedSerRowsBuiltFromRealRows) {
+    // The first 125 complex points of three real COSY rows, each row padded to 1 kB, with
+    // acquisition files that describe exactly that.
+    const std::string original = testdata::bruker("cyclosporin-cosy");
+    const std::string ser = testdata::readFile(original + "/ser");
+    const std::string dir = testdata::freshTempDir("padded-ser");
+    auto rewriteTd = [&](const std::string& file, const std::string& from, const std::string& to) {
+        std::string text = testdata::readFile(original + "/" + file);
+        const size_t at = text.find(from);
+        ASSERT_NE(at, std::string::npos);
+        text.replace(at, from.size(), to);
+        std::ofstream(dir + "/" + file, std::ios::binary) << text;
+    };
+    rewriteTd("acqus", "##$TD= 2048", "##$TD= 250");
+    rewriteTd("acqu2s", "##$TD= 128", "##$TD= 3");
+    {
+        std::ofstream out(dir + "/ser", std::ios::binary);
+        for (size_t row = 0; row < 3; ++row)
+            out << ser.substr(row * 8192, 1000) << std::string(24, '\x55');
+    }
+    auto l = readAndLoad(dir);
+    std::filesystem::remove_all(dir);
+    ASSERT_TRUE(l);
+    EXPECT_EQ(l->source.blockSize, 1024u);
+    EXPECT_EQ(l->source.blockHeader, 24u);
+    ASSERT_EQ(l->matrix.re.size(), 375u);
+    for (size_t row = 0; row < 3; ++row)
+        for (size_t p : {0u, 60u, 124u}) {
+            const size_t offset = row * 8192 + p * 8;
+            EXPECT_EQ(l->matrix.re[row * 125 + p], static_cast<float>(wordAt(ser, offset, true)));
+            EXPECT_EQ(l->matrix.im[row * 125 + p],
+                      static_cast<float>(wordAt(ser, offset + 4, true)));
+        }
+}
+
+TEST(RawLoaderRealData, ProcessedTilesBecomeRows) {
+    // 2048 x 2048 points in tiles of 128 x 128 (XDIM 128 on both axes).
+    const std::string folder = testdata::bruker("cosy-nus");
+    const std::string rr = testdata::readFile(folder + "/pdata/1/2rr");
+    auto l = readAndLoad(folder, true);
+    ASSERT_TRUE(l);
+    ASSERT_TRUE(l->source.flags & source_flags::kBlockMatrix);
+    const SpectrumMatrix& m = l->matrix;
+    ASSERT_EQ(m.re.size(), 2048u * 2048u);
+    for (auto [r, c] : {std::pair<size_t, size_t>{0, 0},
+                        {5, 130},
+                        {127, 128},
+                        {1000, 2047},
+                        {2047, 1},
+                        {1024, 1024}}) {
+        const size_t tile = (r / 128) * 16 + c / 128;
+        const size_t offset = (tile * 128 * 128 + (r % 128) * 128 + c % 128) * 4;
+        EXPECT_EQ(m.re[r * 2048 + c], static_cast<float>(wordAt(rr, offset, true)))
+            << r << "," << c;
+    }
+}
+
+TEST(RawLoaderRealData, ProcessedRowMatchesTheFile) {
+    const std::string folder = testdata::bruker("aspirin-1h-processed");
+    const std::string r1 = testdata::readFile(folder + "/pdata/1/1r");
+    auto l = readAndLoad(folder, true);
+    ASSERT_TRUE(l);
+    ASSERT_EQ(l->matrix.re.size() * 4, r1.size());
+    for (size_t p : {0u, 12345u, 32767u})
+        EXPECT_EQ(l->matrix.re[p], static_cast<float>(wordAt(r1, 4 * p, true))) << p;
 }
 
 }  // namespace

@@ -1,0 +1,226 @@
+// Runs the built zolt-cli on real data, as a user or a script would.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "test_data.h"
+
+namespace zolt {
+namespace {
+
+struct CliRun {
+    int status = -1;
+    std::string out, err;
+};
+
+std::string quoted(const std::string& s) {
+    return "'" + s + "'";
+}
+
+CliRun runCli(const std::string& arguments) {
+    const std::string dir = testdata::freshTempDir("cli");
+    const std::string command = quoted(testdata::cliPath()) + " " + arguments + " >" +
+                                quoted(dir + "/out") + " 2>" + quoted(dir + "/err") + " </dev/null";
+    const int rc = std::system(command.c_str());
+    CliRun r{WIFEXITED(rc) ? WEXITSTATUS(rc) : -1, testdata::readFile(dir + "/out"),
+             testdata::readFile(dir + "/err")};
+    std::filesystem::remove_all(dir);
+    return r;
+}
+
+std::vector<std::string> lines(const std::string& text) {
+    std::vector<std::string> v;
+    size_t start = 0;
+    for (size_t nl; (nl = text.find('\n', start)) != std::string::npos; start = nl + 1)
+        v.push_back(text.substr(start, nl - start));
+    if (start < text.size()) v.push_back(text.substr(start));
+    return v;
+}
+
+// The text of a scalar value after "key": (first occurrence from `from`).
+std::string valueOf(const std::string& json, const std::string& key, size_t from = 0) {
+    const std::string tag = "\"" + key + "\":";
+    const size_t at = json.find(tag, from);
+    if (at == std::string::npos) return "<missing " + key + ">";
+    size_t end = at + tag.size();
+    if (json[end] == '"') {
+        for (++end; json[end] != '"'; ++end)
+            if (json[end] == '\\') ++end;
+        return json.substr(at + tag.size(), end + 1 - at - tag.size());
+    }
+    while (end < json.size() && json[end] != ',' && json[end] != '}' && json[end] != ']') ++end;
+    return json.substr(at + tag.size(), end - at - tag.size());
+}
+
+// Every number of the "points" array, in order.
+std::vector<double> pointNumbers(const std::string& json) {
+    std::vector<double> v;
+    size_t at = json.find("\"points\":[[");
+    if (at == std::string::npos) return v;
+    const char* p = json.c_str() + at + 9;
+    while (*p && !(*p == ']' && p[1] == ']' && p[2] == '}')) {
+        if (*p == '-' || (*p >= '0' && *p <= '9')) {
+            char* end = nullptr;
+            v.push_back(std::strtod(p, &end));
+            p = end;
+        } else {
+            ++p;
+        }
+    }
+    return v;
+}
+
+int32_t bigEndianWord(const std::string& bytes, size_t offset) {
+    uint32_t v = 0;
+    for (int i = 0; i < 4; ++i) v = (v << 8) | static_cast<unsigned char>(bytes.at(offset + i));
+    return static_cast<int32_t>(v);
+}
+
+TEST(InfoCommand, AspirinJsonCarriesEveryKeyInOrder) {
+    const std::string folder = testdata::bruker("aspirin-1h");
+    const CliRun r = runCli("info " + quoted(folder) + " --json");
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.err, "");
+    const auto out = lines(r.out);
+    ASSERT_EQ(out.size(), 1u);
+    const std::string& j = out[0];
+    size_t at = 0;
+    for (const char* key : {"path",
+                            "format",
+                            "dimensions",
+                            "time_domain_dimensions",
+                            "number_type",
+                            "flags",
+                            "axes",
+                            "f_index",
+                            "points",
+                            "points_after_nus",
+                            "spectral_width_ppm",
+                            "spectral_width_hz",
+                            "carrier_mhz",
+                            "lowest_ppm",
+                            "isotope",
+                            "atom",
+                            "time_shift",
+                            "ft_preferences",
+                            "phase0",
+                            "phase1",
+                            "title",
+                            "solvent",
+                            "pulse_program"}) {
+        const size_t next = j.find("\"" + std::string(key) + "\":", at);
+        ASSERT_NE(next, std::string::npos) << key << " missing or out of order";
+        at = next;
+    }
+    EXPECT_EQ(j.front(), '{');
+    EXPECT_EQ(j.back(), '}');
+    EXPECT_EQ(valueOf(j, "path"), "\"" + folder + "\"");
+    EXPECT_EQ(valueOf(j, "format"), "\"Bruker\"");
+    EXPECT_EQ(valueOf(j, "number_type"), "\"long\"");
+    EXPECT_NE(j.find("\"flags\":[]"), std::string::npos);  // big-endian, found by the probe
+    EXPECT_EQ(valueOf(j, "dimensions"), "1");
+    EXPECT_EQ(valueOf(j, "time_domain_dimensions"), "1");
+    EXPECT_EQ(valueOf(j, "f_index"), "1");
+    EXPECT_EQ(valueOf(j, "points"), "8192");
+    EXPECT_EQ(valueOf(j, "atom"), "\"H\"");
+    EXPECT_EQ(valueOf(j, "isotope"), "1");
+    EXPECT_NEAR(std::stod(valueOf(j, "time_shift")), -61.0208, 1e-4);
+    EXPECT_NEAR(std::stod(valueOf(j, "carrier_mhz")), 300.132, 1e-3);
+    EXPECT_NEAR(std::stod(valueOf(j, "spectral_width_hz")),
+                std::stod(valueOf(j, "spectral_width_ppm")) * std::stod(valueOf(j, "carrier_mhz")),
+                1e-3);
+    EXPECT_EQ(valueOf(j, "solvent"), "\"CDCl3\"");
+    EXPECT_EQ(valueOf(j, "pulse_program"), "\"zg30\"");
+    EXPECT_EQ(j.find("\"points\":["), std::string::npos);  // only with --points
+}
+
+TEST(InfoCommand, PointsAreTheFirstComplexPairsOfTheFid) {
+    const std::string folder = testdata::bruker("aspirin-1h");
+    const std::string fid = testdata::readFile(folder + "/fid");
+    const CliRun r = runCli("info " + quoted(folder) + " --json --points 72");
+    ASSERT_EQ(r.status, 0) << r.err;
+    const auto numbers = pointNumbers(r.out);
+    ASSERT_EQ(numbers.size(), 144u);
+    for (size_t i : {0u, 69u, 70u, 71u}) {
+        EXPECT_EQ(numbers[2 * i], bigEndianWord(fid, 8 * i)) << i;
+        EXPECT_EQ(numbers[2 * i + 1], bigEndianWord(fid, 8 * i + 4)) << i;
+    }
+    EXPECT_EQ(numbers[140], -147341);
+}
+
+TEST(InfoCommand, TwoDimensionalSetListsAxesInFIndexOrderAndEscapesItsTitle) {
+    const CliRun r = runCli("info " + quoted(testdata::bruker("cyclosporin-cosy")) + " --json");
+    ASSERT_EQ(r.status, 0) << r.err;
+    const auto out = lines(r.out);
+    ASSERT_EQ(out.size(), 1u);  // the title's line breaks stay escaped
+    const std::string& j = out[0];
+    EXPECT_NE(j.find("\"flags\":[\"little endian\"]"), std::string::npos);
+    EXPECT_EQ(valueOf(j, "dimensions"), "2");
+    const size_t second = j.find("\"f_index\":2");
+    ASSERT_NE(second, std::string::npos);
+    EXPECT_EQ(valueOf(j, "f_index"), "1");
+    EXPECT_EQ(valueOf(j, "points"), "128");
+    EXPECT_EQ(valueOf(j, "points", second), "1024");
+    EXPECT_EQ(valueOf(j, "ft_preferences", second), "3");
+    EXPECT_EQ(valueOf(j, "title"), "\"COSY Cyclosporin\\r\\n\\r\\n\\r\\n\\r\\n\"");
+    EXPECT_EQ(valueOf(j, "pulse_program"), "\"cosygpqf\"");
+}
+
+TEST(InfoCommand, ReadableSummaryNamesFormatAxesAndMetadata) {
+    const CliRun r = runCli("info " + quoted(testdata::bruker("aspirin-1h")) + " --points 2");
+    ASSERT_EQ(r.status, 0) << r.err;
+    for (const char* part :
+         {"format: Bruker", "numbers: long; flags: none", "f1: 8192 points",
+          "time shift -61.0208 pts", "solvent: CDCl3", "pulse program: zg30", "point 1: "})
+        EXPECT_NE(r.out.find(part), std::string::npos) << part;
+}
+
+TEST(InfoCommand, UnreadablePathsAreReportedWhileTheOthersArePrinted) {
+    const std::string dir = testdata::freshTempDir("cli-bad");
+    std::filesystem::create_directories(dir + "/nofid");
+    std::filesystem::copy_file(testdata::bruker("aspirin-1h") + "/acqus", dir + "/nofid/acqus");
+    const CliRun r =
+        runCli("info " + quoted(dir + "/nothing-here") + " " +
+               quoted(testdata::bruker("aspirin-1h")) + " " + quoted(dir + "/nofid") + " --json");
+    std::filesystem::remove_all(dir);
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(lines(r.out).size(), 1u);
+    EXPECT_EQ(r.err,
+              "Failed to Read the file: This format is unknown\n"
+              "Failed to Read the file: This Bruker file seems incoherent\n");
+}
+
+TEST(InfoCommand, DataTheLoaderCannotReadGiveTheDataPointMessage) {
+    // Parameters for 8192 points over a fid that holds 100.
+    const std::string dir = testdata::freshTempDir("cli-short");
+    std::filesystem::copy_file(testdata::bruker("aspirin-1h") + "/acqus", dir + "/acqus");
+    const std::string fid = testdata::readFile(testdata::bruker("aspirin-1h") + "/fid");
+    std::ofstream(dir + "/fid", std::ios::binary) << fid.substr(0, 800);
+    const CliRun r = runCli("info " + quoted(dir));
+    std::filesystem::remove_all(dir);
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.out, "");
+    EXPECT_EQ(r.err, "Failed to Read the file: Error found while trying to read data-points\n");
+}
+
+TEST(InfoCommand, HelpAndMalformedCommandLines) {
+    const CliRun help = runCli("info --help");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_EQ(help.out.rfind("usage: zolt-cli info PATH...", 0), 0u) << help.out;
+    EXPECT_EQ(runCli("--help").status, 0);
+    EXPECT_EQ(runCli("").status, 2);
+    EXPECT_EQ(runCli("info").status, 2);
+    EXPECT_EQ(runCli("info x --points").status, 2);
+    EXPECT_EQ(runCli("info x --points 3a").status, 2);
+    EXPECT_EQ(runCli("info x --colour").status, 2);
+    EXPECT_EQ(runCli("frobnicate").status, 2);
+}
+
+}  // namespace
+}  // namespace zolt
