@@ -1,0 +1,109 @@
+#include "app/application.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "app/document_opening.h"
+
+namespace zolt {
+
+Application::Application(Platform& platform, Preferences preferences)
+    : platform_(platform), preferences_(std::move(preferences)) {}
+
+// The host goes first: its interpreter may still refer to documents while it closes.
+Application::~Application() {
+    host_.reset();
+}
+
+SpectrumDocument& Application::addDocument(std::unique_ptr<SpectrumDocument> document) {
+    documents_.insert(documents_.begin(), std::move(document));
+    return *documents_.front();
+}
+
+void Application::closeDocument(SpectrumDocument& document) {
+    std::erase_if(documents_, [&](const auto& d) { return d.get() == &document; });
+    if (host_) host_->rebuildTargets();
+}
+
+ScriptHost& Application::scriptHost() {
+    if (!host_) host_ = std::make_unique<ScriptHost>(*this);
+    return *host_;
+}
+
+std::vector<SpectrumDocument*> Application::documents() {
+    std::vector<SpectrumDocument*> list;
+    list.reserve(documents_.size());
+    for (const auto& d : documents_) list.push_back(d.get());
+    return list;
+}
+
+void Application::bringToFront(SpectrumDocument& document) {
+    auto it = std::find_if(documents_.begin(), documents_.end(),
+                           [&](const auto& d) { return d.get() == &document; });
+    if (it != documents_.end()) std::rotate(documents_.begin(), it, it + 1);
+}
+
+SpectrumDocument* Application::newDocument() {
+    auto doc = std::make_unique<SpectrumDocument>();
+    doc->source.numberType = NumberType::NoData;
+    doc->windowName = ++untitled_ == 1 ? "untitled" : "untitled " + std::to_string(untitled_);
+    return &addDocument(std::move(doc));
+}
+
+bool Application::openOne(const std::string& path) {
+    if (documents_.size() >= kMaxDocuments) {
+        platform_.messageBox(kTooManyCaption, kTooManyText);
+        return false;
+    }
+    OpenFailure failure;
+    auto doc = readDocument(path, preferences_, failure);
+    if (!doc) {
+        platform_.messageBox(failure.caption, failure.text);
+        return false;
+    }
+    addDocument(std::move(doc));
+    return true;
+}
+
+int Application::open(const std::string& path) {
+    std::error_code ec;
+    if (!std::filesystem::is_directory(path, ec) || isDataSetFolder(path))
+        return openOne(path) ? 1 : 0;
+    int opened = 0;
+    bool full = false;
+    walkDataSets(path, [&](const std::string& found) {
+        if (documents_.size() >= kMaxDocuments) {
+            full = true;
+            return false;
+        }
+        OpenFailure failure;
+        if (auto doc = readDocument(found, preferences_, failure)) {
+            addDocument(std::move(doc));
+            ++opened;
+        }
+        return true;
+    });
+    if (full) platform_.messageBox(kTooManyCaption, kTooManyText);
+    if (opened == 0 && !full)
+        platform_.messageBox(kNothingRecognisedCaption, kNothingRecognisedText);
+    return opened;
+}
+
+bool Application::reload(SpectrumDocument& document, bool clearProcessedChoice) {
+    if (document.source.rawPath.empty()) return false;
+    Preferences prefs = preferences_;
+    if (clearProcessedChoice) prefs.flags &= ~pref_flags::kReadProcessedData;
+    OpenFailure failure;
+    auto fresh = readDocument(document.source.rawPath, prefs, failure);
+    if (!fresh) {
+        platform_.messageBox(failure.caption, failure.text);
+        return false;
+    }
+    // The FT preferences stay; the data are raw again.
+    document.source = std::move(fresh->source);
+    document.matrix = std::move(fresh->matrix);
+    document.processing.doneMask = 0;
+    return true;
+}
+
+}  // namespace zolt

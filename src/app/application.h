@@ -1,0 +1,74 @@
+// The program-wide state: the open documents (front-most first), the preferences, the
+// platform and the script host.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/platform.h"
+#include "app/preferences.h"
+#include "model/spectrum_document.h"
+#include "scripting/script_context.h"
+#include "scripting/script_host.h"
+
+namespace zolt {
+
+class Application final : public ScriptContext {
+public:
+    explicit Application(Platform& platform, Preferences preferences = {});
+    ~Application() override;
+
+    Platform& platform() { return platform_; }
+    Preferences& preferences() { return preferences_; }
+
+    const std::vector<std::unique_ptr<SpectrumDocument>>& documentList() const {
+        return documents_;
+    }
+    SpectrumDocument* frontDocument() const {
+        return documents_.empty() ? nullptr : documents_.front().get();
+    }
+    // The document becomes the front one.
+    SpectrumDocument& addDocument(std::unique_ptr<SpectrumDocument> document);
+    void closeDocument(SpectrumDocument& document);
+
+    // Created on first use (running "Lua.init"); closing it drops its log and history.
+    ScriptHost& scriptHost();
+    bool hasScriptHost() const { return host_ != nullptr; }
+    void closeScriptHost() { host_.reset(); }
+    // Called with every line the console log receives.
+    void setLogListener(std::function<void(std::string_view)> listener) {
+        logListener_ = std::move(listener);
+    }
+
+    // ScriptContext
+    std::vector<SpectrumDocument*> documents() override;
+    void bringToFront(SpectrumDocument& document) override;
+    SpectrumDocument* newDocument() override;
+    // Failures are shown through the platform.
+    int open(const std::string& path) override;
+    bool reload(SpectrumDocument& document, bool clearProcessedChoice) override;
+    void message(std::string_view caption, std::string_view text) override {
+        platform_.messageBox(caption, text);
+    }
+    std::string clipboardText() override { return platform_.clipboardText(); }
+    void setClipboardText(std::string_view text) override { platform_.setClipboardText(text); }
+    std::string scriptsFolder() override { return zolt::scriptsFolder(preferences_); }
+    std::string consoleShortcuts() override { return preferences_.consoleShortcuts.value_or(""); }
+    void logAppended(std::string_view line) override {
+        if (logListener_) logListener_(line);
+    }
+
+private:
+    bool openOne(const std::string& path);
+
+    Platform& platform_;
+    Preferences preferences_;
+    std::vector<std::unique_ptr<SpectrumDocument>> documents_;
+    std::unique_ptr<ScriptHost> host_;
+    std::function<void(std::string_view)> logListener_;
+    int untitled_ = 0;
+};
+
+}  // namespace zolt

@@ -1,0 +1,12 @@
+#include "scripting/commands.h"
+
+namespace zolt {
+
+const std::vector<const luaL_Reg*>& commandGroups() {
+    static const std::vector<const luaL_Reg*> groups = {
+        kConsoleCommands, kTargetCommands, kDocumentCommands, kDataCommands, kTransformCommands,
+    };
+    return groups;
+}
+
+}  // namespace zolt

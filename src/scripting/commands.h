@@ -1,0 +1,18 @@
+// The program's commands in the interpreter's global table, one alphabetical table per group.
+#pragma once
+
+#include <lua.hpp>
+#include <vector>
+
+namespace zolt {
+
+extern const luaL_Reg kConsoleCommands[];
+extern const luaL_Reg kTargetCommands[];
+extern const luaL_Reg kDocumentCommands[];
+extern const luaL_Reg kDataCommands[];
+extern const luaL_Reg kTransformCommands[];
+
+// Every group, in registration order.
+const std::vector<const luaL_Reg*>& commandGroups();
+
+}  // namespace zolt

@@ -1,0 +1,45 @@
+// What the script host reaches outside the interpreter; the application provides it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/spectrum_document.h"
+
+namespace zolt {
+
+class ScriptContext {
+public:
+    virtual ~ScriptContext() = default;
+
+    // The open documents, front-most first.
+    virtual std::vector<SpectrumDocument*> documents() = 0;
+    // The members of a container document in their order; none for other documents.
+    virtual std::vector<SpectrumDocument*> containerMembers(SpectrumDocument&) { return {}; }
+    virtual void bringToFront(SpectrumDocument& document) = 0;
+    // A new empty document in front of the others, or nullptr when none can be made.
+    virtual SpectrumDocument* newDocument() = 0;
+    // A file, or every recognised data set inside a folder; the number of documents opened.
+    virtual int open(const std::string& path) = 0;
+    // Reads the document's data again from its files; false leaves it as it was.
+    virtual bool reload(SpectrumDocument& document, bool clearProcessedChoice) = 0;
+
+    virtual void message(std::string_view caption, std::string_view text) = 0;
+    virtual std::string clipboardText() = 0;
+    virtual void setClipboardText(std::string_view text) = 0;
+
+    // Empty when there is no folder for scripts.
+    virtual std::string scriptsFolder() = 0;
+    virtual std::string consoleShortcuts() = 0;
+
+    // Each line as it enters the console log (the headless program echoes it).
+    virtual void logAppended(std::string_view /*line*/) {}
+    // The console's "for all documents" box follows the flag.
+    virtual void applyToAllChanged(bool /*on*/) {}
+    // The document's window shows changed data.
+    virtual void redraw(SpectrumDocument& /*document*/) {}
+};
+
+}  // namespace zolt
