@@ -1,9 +1,15 @@
 #include "processing/fft.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <numbers>
 #include <utility>
+
+#if defined(__x86_64__) && defined(__GNUC__)
+#include <immintrin.h>
+#endif
 
 namespace zolt {
 namespace {
@@ -22,8 +28,11 @@ const std::array<double, 18>& cosineTable() {
 
 // Twiddles are generated for this many butterflies at a time and then applied to every group
 // of the stage, so that a stage walks memory in long runs instead of one stride-2h sweep per
-// twiddle quad; the values are the same as stepping w across the whole stage.
+// twiddle quad; the values are those of stepping w across the whole stage.
 constexpr size_t kTwiddleBlock = 256;
+// Stages whose groups fit in a block of this many points run block by block while the block
+// stays in cache (2 x 64 KB), before the wider stages sweep the whole array.
+constexpr size_t kCacheSpan = size_t{1} << 14;
 
 void bitReverse(float* __restrict re, float* __restrict im, size_t n) {
     size_t j = 0;
@@ -60,55 +69,216 @@ void radix4Pass(float* __restrict re, float* __restrict im, size_t n, float sign
     }
 }
 
-// Butterflies a + w b, a - w b for `count` consecutive positions of every group of the stage,
-// starting `offset` points into each upper half. Products and sums are taken in double.
-template <size_t count>
-void butterflies(float* __restrict re, float* __restrict im, size_t n, size_t h, size_t offset,
-                 const double* __restrict wr, const double* __restrict wi) {
-    for (size_t g = offset; g < n; g += 2 * h) {
-        float* __restrict ar = re + g;
-        float* __restrict ai = im + g;
-        float* __restrict br = re + g + h;
-        float* __restrict bi = im + g + h;
-        for (size_t q = 0; q < count; ++q) {
-            const double xr = br[q], xi = bi[q];
-            const double tr = wr[q] * xr - wi[q] * xi;
-            const double ti = wr[q] * xi + wi[q] * xr;
-            const double yr = ar[q], yi = ai[q];
-            ar[q] = static_cast<float>(yr + tr);
-            ai[q] = static_cast<float>(yi + ti);
-            br[q] = static_cast<float>(yr - tr);
-            bi[q] = static_cast<float>(yi - ti);
+// cos and sin of the stage angle pi/h.
+struct StageAngle {
+    double c = 1.0, s = 0.0;
+};
+
+// The twiddles of one stage in order: w = 1, then w e^{i theta}, w e^{2i theta},
+// w e^{3i theta} by complex multiplication, and w advanced by e^{4i theta} per quad.
+struct TwiddleStream {
+    explicit TwiddleStream(StageAngle a)
+        : e1r(a.c),
+          e1i(a.s),
+          e2r(e1r * e1r - e1i * e1i),
+          e2i(2.0 * e1r * e1i),
+          e3r(e2r * e1r - e2i * e1i),
+          e3i(e2r * e1i + e2i * e1r),
+          e4r(e2r * e2r - e2i * e2i),
+          e4i(2.0 * e2r * e2i) {}
+
+    // count is a multiple of 4.
+    void next(double* __restrict tr, double* __restrict ti, size_t count) {
+        for (size_t q = 0; q < count; q += 4) {
+            tr[q] = wr;
+            ti[q] = wi;
+            tr[q + 1] = wr * e1r - wi * e1i;
+            ti[q + 1] = wr * e1i + wi * e1r;
+            tr[q + 2] = wr * e2r - wi * e2i;
+            ti[q + 2] = wr * e2i + wi * e2r;
+            tr[q + 3] = wr * e3r - wi * e3i;
+            ti[q + 3] = wr * e3i + wi * e3r;
+            advance();
+        }
+    }
+    void skip(size_t count) {
+        for (size_t q = 0; q < count; q += 4) advance();
+    }
+
+private:
+    void advance() {
+        const double nr = wr * e4r - wi * e4i;
+        wi = wr * e4i + wi * e4r;
+        wr = nr;
+    }
+
+    double e1r, e1i, e2r, e2i, e3r, e3i, e4r, e4i;
+    double wr = 1.0, wi = 0.0;
+};
+
+// Lane packs for the butterflies: samples widened to double for the twiddle product and the
+// sums, and rounded back to float when stored, exactly as a scalar butterfly would. Packs
+// travel by reference so that no wide vector crosses a call boundary.
+#if defined(__x86_64__) && defined(__GNUC__)
+#define ZOLT_FFT_X86 1
+struct Sse2Pack {
+    using D = __m128d;
+    static constexpr size_t width = 2;
+    static void load(const float* p, D& d) {
+        d = _mm_cvtps_pd(_mm_castpd_ps(_mm_load_sd(reinterpret_cast<const double*>(p))));
+    }
+    static void load(const double* p, D& d) { d = _mm_loadu_pd(p); }
+    static void store(float* p, const D& d) {
+        _mm_store_sd(reinterpret_cast<double*>(p), _mm_castps_pd(_mm_cvtpd_ps(d)));
+    }
+    static void roundToFloat(D& d) { d = _mm_cvtps_pd(_mm_cvtpd_ps(d)); }
+};
+
+// Compiled for AVX only where it is used: the kernels below are inlined into an AVX entry
+// point, chosen at run time, and these loads and stores are inlined there with them.
+struct AvxPack {
+    using D = __m256d;
+    static constexpr size_t width = 4;
+    [[gnu::target("avx")]] static inline void load(const float* p, D& d) {
+        d = _mm256_cvtps_pd(_mm_loadu_ps(p));
+    }
+    [[gnu::target("avx")]] static inline void load(const double* p, D& d) {
+        d = _mm256_loadu_pd(p);
+    }
+    [[gnu::target("avx")]] static inline void store(float* p, const D& d) {
+        _mm_storeu_ps(p, _mm256_cvtpd_ps(d));
+    }
+    [[gnu::target("avx")]] static inline void roundToFloat(D& d) {
+        d = _mm256_cvtps_pd(_mm256_cvtpd_ps(d));
+    }
+};
+#else
+struct ScalarPack {
+    using D = double;
+    static constexpr size_t width = 1;
+    static void load(const float* p, D& d) { d = *p; }
+    static void load(const double* p, D& d) { d = *p; }
+    static void store(float* p, const D& d) { *p = static_cast<float>(d); }
+    static void roundToFloat(D& d) { d = static_cast<float>(d); }
+};
+#endif
+
+// a + w b and a - w b, in place.
+template <typename D>
+[[gnu::always_inline]] inline void butterfly(D& ar, D& ai, D& br, D& bi, const D& wr, const D& wi) {
+    const D tr = wr * br - wi * bi;
+    const D ti = wr * bi + wi * br;
+    br = ar - tr;
+    bi = ai - ti;
+    ar = ar + tr;
+    ai = ai + ti;
+}
+
+// One radix-2 stage of half-span h over len points.
+template <typename P>
+[[gnu::always_inline]] inline void radix2Stage(float* __restrict re, float* __restrict im,
+                                               size_t len, size_t h, StageAngle a) {
+    using D = typename P::D;
+    TwiddleStream w(a);
+    alignas(64) double twr[kTwiddleBlock], twi[kTwiddleBlock];
+    const size_t block = std::min(h, kTwiddleBlock);
+    for (size_t m = 0; m < h; m += block) {
+        w.next(twr, twi, block);
+        for (size_t g = m; g < len; g += 2 * h) {
+            for (size_t q = 0; q < block; q += P::width) {
+                const size_t i = g + q, j = i + h;
+                D ar, ai, br, bi, wr, wi;
+                P::load(re + i, ar), P::load(im + i, ai), P::load(re + j, br), P::load(im + j, bi);
+                P::load(twr + q, wr), P::load(twi + q, wi);
+                butterfly(ar, ai, br, bi, wr, wi);
+                P::store(re + i, ar), P::store(im + i, ai);
+                P::store(re + j, br), P::store(im + j, bi);
+            }
         }
     }
 }
 
-template <size_t block>
-void stage(float* re, float* im, size_t n, size_t h, double c, double s) {
-    // e^{i theta} and its square, cube and fourth power, by complex multiplication.
-    const double e1r = c, e1i = s;
-    const double e2r = e1r * e1r - e1i * e1i, e2i = 2.0 * e1r * e1i;
-    const double e3r = e2r * e1r - e2i * e1i, e3i = e2r * e1i + e2i * e1r;
-    const double e4r = e2r * e2r - e2i * e2i, e4i = 2.0 * e2r * e2i;
-    double wr = 1.0, wi = 0.0;
-    alignas(64) double twr[block];
-    alignas(64) double twi[block];
+// The stages of half-spans h and 2h in one sweep over len points: the four quarters of each
+// group of 4h go through stage h, are rounded to float as if stored, then through stage 2h,
+// whose twiddles for the second quarter come from a second stream started h steps ahead.
+template <typename P>
+[[gnu::always_inline]] inline void radix2StagePair(float* __restrict re, float* __restrict im,
+                                                   size_t len, size_t h, StageAngle a,
+                                                   StageAngle b) {
+    using D = typename P::D;
+    TwiddleStream w1(a), w2(b), w2h(b);
+    w2h.skip(h);
+    alignas(64) double w1r[kTwiddleBlock], w1i[kTwiddleBlock];
+    alignas(64) double w2r[kTwiddleBlock], w2i[kTwiddleBlock];
+    alignas(64) double w3r[kTwiddleBlock], w3i[kTwiddleBlock];
+    const size_t block = std::min(h, kTwiddleBlock);
     for (size_t m = 0; m < h; m += block) {
-        for (size_t q = 0; q < block; q += 4) {
-            twr[q] = wr;
-            twi[q] = wi;
-            twr[q + 1] = wr * e1r - wi * e1i;
-            twi[q + 1] = wr * e1i + wi * e1r;
-            twr[q + 2] = wr * e2r - wi * e2i;
-            twi[q + 2] = wr * e2i + wi * e2r;
-            twr[q + 3] = wr * e3r - wi * e3i;
-            twi[q + 3] = wr * e3i + wi * e3r;
-            const double nr = wr * e4r - wi * e4i;
-            wi = wr * e4i + wi * e4r;
-            wr = nr;
+        w1.next(w1r, w1i, block);
+        w2.next(w2r, w2i, block);
+        w2h.next(w3r, w3i, block);
+        for (size_t g = m; g < len; g += 4 * h) {
+            for (size_t q = 0; q < block; q += P::width) {
+                const size_t i0 = g + q, i1 = i0 + h, i2 = i1 + h, i3 = i2 + h;
+                D r0, x0, r1, x1, r2, x2, r3, x3, wr, wi;
+                P::load(re + i0, r0), P::load(im + i0, x0), P::load(re + i1, r1);
+                P::load(im + i1, x1), P::load(re + i2, r2), P::load(im + i2, x2);
+                P::load(re + i3, r3), P::load(im + i3, x3);
+                P::load(w1r + q, wr), P::load(w1i + q, wi);
+                butterfly(r0, x0, r1, x1, wr, wi);
+                butterfly(r2, x2, r3, x3, wr, wi);
+                P::roundToFloat(r0), P::roundToFloat(x0), P::roundToFloat(r1);
+                P::roundToFloat(x1), P::roundToFloat(r2), P::roundToFloat(x2);
+                P::roundToFloat(r3), P::roundToFloat(x3);
+                P::load(w2r + q, wr), P::load(w2i + q, wi);
+                butterfly(r0, x0, r2, x2, wr, wi);
+                P::load(w3r + q, wr), P::load(w3i + q, wi);
+                butterfly(r1, x1, r3, x3, wr, wi);
+                P::store(re + i0, r0), P::store(im + i0, x0), P::store(re + i1, r1);
+                P::store(im + i1, x1), P::store(re + i2, r2), P::store(im + i2, x2);
+                P::store(re + i3, r3), P::store(im + i3, x3);
+            }
         }
-        butterflies<block>(re, im, n, h, m, twr, twi);
     }
+}
+
+// Stages first ... last-1 (stage k has half-span 4 << k) over len points, two at a time.
+template <typename P>
+[[gnu::always_inline]] inline void radix2Stages(float* re, float* im, size_t len,
+                                                const StageAngle* angles, size_t first,
+                                                size_t last) {
+    size_t k = first;
+    for (; k + 1 < last; k += 2)
+        radix2StagePair<P>(re, im, len, size_t{4} << k, angles[k], angles[k + 1]);
+    if (k < last) radix2Stage<P>(re, im, len, size_t{4} << k, angles[k]);
+}
+
+// Stages whose groups of 2h fit in a cache span run span by span; the rest sweep everything.
+template <typename P>
+[[gnu::always_inline]] inline void allRadix2Stages(float* re, float* im, size_t n,
+                                                   const StageAngle* angles, size_t stages) {
+    const size_t span = std::min(n, kCacheSpan);
+    size_t local = 0;
+    while ((size_t{8} << local) <= span) ++local;
+    for (size_t start = 0; start < n; start += span)
+        radix2Stages<P>(re + start, im + start, span, angles, 0, local);
+    radix2Stages<P>(re, im, n, angles, local, stages);
+}
+
+#ifdef ZOLT_FFT_X86
+[[gnu::target("avx")]] void radix2StagesAvx(float* re, float* im, size_t n,
+                                            const StageAngle* angles, size_t stages) {
+    allRadix2Stages<AvxPack>(re, im, n, angles, stages);
+}
+#endif
+
+void radix2StagesAnyCpu(float* re, float* im, size_t n, const StageAngle* angles, size_t stages) {
+#ifdef ZOLT_FFT_X86
+    // Four-lane kernels need at least 4 points per half-span, which h >= 4 guarantees.
+    if (__builtin_cpu_supports("avx")) return radix2StagesAvx(re, im, n, angles, stages);
+    allRadix2Stages<Sse2Pack>(re, im, n, angles, stages);
+#else
+    allRadix2Stages<ScalarPack>(re, im, n, angles, stages);
+#endif
 }
 
 }  // namespace
@@ -117,37 +287,19 @@ void fft(float* re, float* im, size_t n, int direction) {
     if (n < 4 || n > kMaxFftSize || (n & (n - 1)) != 0) return;
     bitReverse(re, im, n);
     radix4Pass(re, im, n, direction > 0 ? 1.0f : -1.0f);
+
+    // Stage k has angle pi/h, h = 4 << k: its cosine from the table, its sine by
+    // sin(2x) = 2 sin x cos x downwards from sin(pi/2) = direction.
     const auto& cosines = cosineTable();
-    // sin(pi/h) from sin(2 pi/h) = 2 sin(pi/h) cos(pi/h), starting at sin(pi/2) = direction.
+    std::array<StageAngle, 18> angles;
+    size_t stages = 0;
     double s = direction > 0 ? 1.0 : -1.0;
-    size_t k = 0;
-    for (size_t h = 4; h < n; h <<= 1, ++k) {
-        const double c = cosines[k];
-        s /= 2.0 * c;
-        switch (h) {
-            case 4:
-                stage<4>(re, im, n, h, c, s);
-                break;
-            case 8:
-                stage<8>(re, im, n, h, c, s);
-                break;
-            case 16:
-                stage<16>(re, im, n, h, c, s);
-                break;
-            case 32:
-                stage<32>(re, im, n, h, c, s);
-                break;
-            case 64:
-                stage<64>(re, im, n, h, c, s);
-                break;
-            case 128:
-                stage<128>(re, im, n, h, c, s);
-                break;
-            default:
-                stage<kTwiddleBlock>(re, im, n, h, c, s);
-                break;
-        }
+    for (size_t h = 4; h < n; h <<= 1, ++stages) {
+        s /= 2.0 * cosines[stages];
+        angles[stages] = {cosines[stages], s};
     }
+
+    radix2StagesAnyCpu(re, im, n, angles.data(), stages);
 }
 
 void unscrambleRealFt(float* re, float* im, size_t n) {
