@@ -80,6 +80,8 @@ int Application::open(const std::string& path) {
         if (auto doc = readDocument(found, preferences_, failure)) {
             addDocument(std::move(doc));
             ++opened;
+        } else {
+            platform_.messageBox(failure.caption, failure.text);
         }
         return true;
     });
