@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "cli/info_command.h"
+#include "cli/run_command.h"
 
 namespace {
 
@@ -12,6 +13,7 @@ constexpr const char* kUsage =
     "\n"
     "commands:\n"
     "  info PATH... [--json] [--points N] [--processed]   what a data set holds\n"
+    "  run [-e CHUNK | SCRIPT.lua]... [PATH...]   runs Lua on the data sets\n"
     "\n"
     "zolt-cli COMMAND --help describes a command.\n";
 
@@ -30,6 +32,7 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (command == "info") return zolt::runInfoCommand(rest, std::cout, std::cerr);
+    if (command == "run") return zolt::runRunCommand(rest, std::cout, std::cerr);
     std::cerr << "zolt-cli: unknown command " << command << "\n" << kUsage;
     return 2;
 }

@@ -1,0 +1,49 @@
+// zolt-cli run: opens data sets and runs Lua chunks and scripts on them, headless.
+#pragma once
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zolt {
+
+class Application;
+
+inline constexpr const char* kRunUsage =
+    "usage: zolt-cli run [-e CHUNK | SCRIPT.lua]... [PATH...]\n"
+    "\n"
+    "Opens each PATH as a document (a data set, or every data set inside a folder; the last\n"
+    "one opened is the front document), then runs the chunks and scripts in the order given,\n"
+    "in the same interpreter, with the program's script commands. Each line the console log\n"
+    "receives is written to standard output; message boxes go to standard error as\n"
+    "\"caption: text\".\n"
+    "\n"
+    "  -e CHUNK    Lua text to run (chunk name \"input\")\n"
+    "  SCRIPT.lua  a script file to run (chunk name: its base name)\n"
+    "\n"
+    "Exit status: 0; 1 when a chunk or script raised an error or a path could not be opened;\n"
+    "2 for a malformed command line.\n";
+
+struct RunItem {
+    bool isFile = false;  // a script file, else chunk text
+    std::string text;
+};
+
+struct RunOptions {
+    std::vector<RunItem> items;
+    std::vector<std::string> paths;
+    bool help = false;
+};
+
+// nullopt for a malformed command line.
+std::optional<RunOptions> parseRunArguments(const std::vector<std::string>& args);
+
+// Opens the paths and runs the items in the application; the exit status.
+int runInApplication(Application& app, const RunOptions& options, std::ostream& out,
+                     std::ostream& err);
+
+// args: everything after "run".
+int runRunCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+
+}  // namespace zolt
