@@ -1,0 +1,96 @@
+#include "processing/kernels.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace zolt {
+
+void subtractDc(float* data, size_t rows, size_t n, size_t stride, size_t first) {
+    // The offset is read where the signal has decayed: the last sixteenth of the row.
+    const size_t tail = n / 16;
+    if (!data || tail == 0) return;
+    for (size_t r = 0; r < rows; ++r) {
+        float* row = data + r * stride;
+        double sum = 0.0;
+        for (size_t k = n - tail; k < n; ++k) sum += row[k];
+        const double mean = sum / static_cast<double>(tail);
+        for (size_t k = first; k < n; ++k) row[k] = static_cast<float>(row[k] - mean);
+    }
+}
+
+void deleteFirst(float* re, float* im, size_t rows, size_t n, size_t stride, size_t count) {
+    count = std::min(count, n);
+    for (float* data : {re, im}) {
+        if (!data) continue;
+        for (size_t r = 0; r < rows; ++r) {
+            float* row = data + r * stride;
+            std::memmove(row, row + count, (n - count) * sizeof(float));
+            std::fill(row + n - count, row + n, 0.0f);
+        }
+    }
+}
+
+void zeroTail(float* re, float* im, size_t rows, size_t from, size_t to, size_t stride) {
+    if (from >= to) return;
+    for (float* data : {re, im}) {
+        if (!data) continue;
+        for (size_t r = 0; r < rows; ++r)
+            std::fill(data + r * stride + from, data + r * stride + to, 0.0f);
+    }
+}
+
+void multiplyWindow(float* data, size_t rows, size_t n, size_t stride, const float* window) {
+    if (!data || !window) return;
+    for (size_t r = 0; r < rows; ++r) {
+        float* __restrict row = data + r * stride;
+        for (size_t k = 0; k < n; ++k) row[k] *= window[k];
+    }
+}
+
+void restride(float* re, float* im, size_t oldStride, size_t newStride, size_t rows,
+              size_t factor) {
+    if (oldStride == newStride || rows < 2 || factor == 0) return;
+    const size_t count = oldStride / factor;
+    for (float* data : {re, im}) {
+        if (!data) continue;
+        // Rows move towards the end when the stride grows, so the last goes first and no row is
+        // overwritten before it has moved; the other way round when it shrinks. Row 0 stays.
+        if (newStride > oldStride) {
+            for (size_t r = rows - 1; r > 0; --r)
+                std::memmove(data + r * newStride, data + r * oldStride, count * sizeof(float));
+        } else {
+            for (size_t r = 1; r < rows; ++r)
+                std::memmove(data + r * newStride, data + r * oldStride, count * sizeof(float));
+        }
+    }
+}
+
+void transpose(const float* source, float* destination, size_t n, size_t m) {
+    // Tiles keep both the rows read and the rows written in cache.
+    constexpr size_t kTile = 32;
+    for (size_t c0 = 0; c0 < m; c0 += kTile) {
+        const size_t c1 = std::min(m, c0 + kTile);
+        for (size_t i0 = 0; i0 < n; i0 += kTile) {
+            const size_t i1 = std::min(n, i0 + kTile);
+            for (size_t c = c0; c < c1; ++c)
+                for (size_t i = i0; i < i1; ++i) destination[i * m + c] = source[c * n + i];
+        }
+    }
+}
+
+void togglePolar(float* re, float* im, size_t count, bool toPolar) {
+    if (!re || !im) return;
+    for (size_t k = 0; k < count; ++k) {
+        const double a = re[k], b = im[k];
+        if (toPolar) {
+            re[k] = static_cast<float>(std::sqrt(a * a + b * b));
+            im[k] = static_cast<float>(std::atan2(b, a));
+        } else {
+            re[k] = static_cast<float>(a * std::cos(b));
+            im[k] = static_cast<float>(a * std::sin(b));
+        }
+    }
+}
+
+}  // namespace zolt

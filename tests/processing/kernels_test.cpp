@@ -1,0 +1,114 @@
+#include "processing/kernels.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <numeric>
+#include <vector>
+
+namespace zolt {
+namespace {
+
+std::vector<float> ramp(size_t n, float start = 1.0f) {
+    std::vector<float> v(n);
+    std::iota(v.begin(), v.end(), start);
+    return v;
+}
+
+TEST(DcSubtraction, AveragesLastSixteenthAndChangesOnlyFromFirstPoint) {
+    // Two rows of 64 points in a stride of 70; the gap after each row must stay as it is.
+    std::vector<float> data = ramp(140);
+    const std::vector<float> before = data;
+    subtractDc(data.data(), 2, 64, 70, 10);
+    for (size_t r = 0; r < 2; ++r) {
+        const float* row = before.data() + r * 70;
+        const double mean = (double(row[60]) + row[61] + row[62] + row[63]) / 4.0;
+        for (size_t k = 0; k < 70; ++k) {
+            const float want = k >= 10 && k < 64 ? float(row[k] - mean) : row[k];
+            EXPECT_EQ(data[r * 70 + k], want) << "row " << r << " point " << k;
+        }
+    }
+}
+
+TEST(DcSubtraction, RowsShorterThanSixteenAreLeftAlone) {
+    std::vector<float> data = ramp(15);
+    subtractDc(data.data(), 1, 15, 15, 0);
+    EXPECT_EQ(data, ramp(15));
+}
+
+TEST(RowKernels, DeleteFirstShiftsBothArraysAndZeroFillsTheEnd) {
+    std::vector<float> re = ramp(12), im = ramp(12, 100.0f);
+    deleteFirst(re.data(), im.data(), 2, 5, 6, 2);
+    EXPECT_EQ(re, (std::vector<float>{3, 4, 5, 0, 0, 6, 9, 10, 11, 0, 0, 12}));
+    EXPECT_EQ(im, (std::vector<float>{102, 103, 104, 0, 0, 105, 108, 109, 110, 0, 0, 111}));
+}
+
+TEST(RowKernels, ZeroTailClearsTheRangeOfEveryRowAndAcceptsNoImaginaryArray) {
+    std::vector<float> re = ramp(8);
+    zeroTail(re.data(), nullptr, 2, 1, 3, 4);
+    EXPECT_EQ(re, (std::vector<float>{1, 0, 0, 4, 5, 0, 0, 8}));
+}
+
+TEST(RowKernels, WindowMultipliesTheMeaningfulPointsOnly) {
+    std::vector<float> data(8, 2.0f);
+    const std::vector<float> window{0.5f, 1.5f, 3.0f};
+    multiplyWindow(data.data(), 2, 3, 4, window.data());
+    EXPECT_EQ(data, (std::vector<float>{1, 3, 6, 2, 1, 3, 6, 2}));
+}
+
+TEST(Restride, GrowingStrideMovesRowsWithoutOverwritingThem) {
+    std::vector<float> re(24, -1.0f), im(24, -1.0f);
+    const std::vector<float> rows = ramp(12);
+    std::copy(rows.begin(), rows.end(), re.begin());
+    std::copy(rows.begin(), rows.end(), im.begin());
+    restride(re.data(), im.data(), 4, 8, 3, 1);
+    for (size_t r = 0; r < 3; ++r)
+        for (size_t k = 0; k < 4; ++k) {
+            EXPECT_EQ(re[r * 8 + k], rows[r * 4 + k]);
+            EXPECT_EQ(im[r * 8 + k], rows[r * 4 + k]);
+        }
+}
+
+TEST(Restride, ShrinkingStrideCopiesTheFractionOfTheOldRow) {
+    std::vector<float> re = ramp(24);
+    restride(re.data(), nullptr, 8, 4, 3, 2);
+    EXPECT_EQ(std::vector<float>(re.begin(), re.begin() + 12),
+              (std::vector<float>{1, 2, 3, 4, 9, 10, 11, 12, 17, 18, 19, 20}));
+}
+
+TEST(Transpose, ColumnsBecomeRowsAndBack) {
+    const std::vector<float> source = ramp(15);  // 3 rows of 5
+    std::vector<float> once(15), twice(15);
+    transpose(source.data(), once.data(), 5, 3);
+    EXPECT_EQ(once, (std::vector<float>{1, 6, 11, 2, 7, 12, 3, 8, 13, 4, 9, 14, 5, 10, 15}));
+    transpose(once.data(), twice.data(), 3, 5);
+    EXPECT_EQ(twice, source);
+}
+
+TEST(Transpose, LargerThanOneTileKeepsEveryElement) {
+    const size_t n = 70, m = 45;
+    const std::vector<float> source = ramp(n * m);
+    std::vector<float> out(n * m);
+    transpose(source.data(), out.data(), n, m);
+    for (size_t c = 0; c < m; ++c)
+        for (size_t i = 0; i < n; ++i) ASSERT_EQ(out[i * m + c], source[c * n + i]);
+}
+
+TEST(PolarToggle, GivesModulusAndPhaseAndTwiceReturnsTheSamples) {
+    std::vector<float> re{3.0f, -1.0f, 0.0f, 1e-3f}, im{4.0f, 0.0f, -2.0f, 7.5f};
+    const auto re0 = re, im0 = im;
+    togglePolar(re.data(), im.data(), 4, true);
+    EXPECT_FLOAT_EQ(re[0], 5.0f);
+    EXPECT_FLOAT_EQ(im[0], float(std::atan2(4.0, 3.0)));
+    EXPECT_FLOAT_EQ(im[1], float(std::numbers::pi));
+    EXPECT_FLOAT_EQ(im[2], float(-std::numbers::pi / 2));
+    togglePolar(re.data(), im.data(), 4, false);
+    for (size_t k = 0; k < 4; ++k) {
+        EXPECT_NEAR(re[k], re0[k], 1e-6) << k;
+        EXPECT_NEAR(im[k], im0[k], 1e-6) << k;
+    }
+}
+
+}  // namespace
+}  // namespace zolt
