@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <fstream>
 #include <regex>
 
@@ -252,6 +253,31 @@ TEST_F(ScriptHostTest, SetfidMakesAZeroFidThatResizeReshapes) {
     EXPECT_EQ(d.matrix.re.size(), 100u);
     EXPECT_EQ(d.matrix.im.size(), 100u);
     EXPECT_EQ(lastLogLine(), "100\t-2");
+}
+
+TEST_F(ScriptHostTest, MagnitudeTogglesOnlyWhereItDiffers) {
+    SpectrumDocument& d = openAspirin();
+    const std::vector<float> re = d.matrix.re, im = d.matrix.im;
+    ASSERT_TRUE(run("magn() magn(true)"));  // the second call finds nothing to change
+    EXPECT_TRUE(d.matrix.state & matrix_state::kMagnitude);
+    EXPECT_FLOAT_EQ(d.matrix.re[100], std::hypot(re[100], im[100]));
+    ASSERT_TRUE(run("magn(false)"));
+    EXPECT_FALSE(d.matrix.state & matrix_state::kMagnitude);
+    EXPECT_NEAR(d.matrix.re[100], re[100], 1e-3 * std::abs(re[100]) + 1e-3);
+    EXPECT_NEAR(d.matrix.im[100], im[100], 1e-3 * std::abs(im[100]) + 1e-3);
+}
+
+TEST_F(ScriptHostTest, HilbertGivesARealSpectrumItsImaginaryPart) {
+    ASSERT_TRUE(run("local t = {} for i = 1, 64 do t[i] = math.cos(i) end paste(t) magn(true)"));
+    SpectrumMatrix& m = app.frontDocument()->matrix;
+    EXPECT_TRUE(m.realOnly());
+    EXPECT_FALSE(m.state & matrix_state::kMagnitude);  // nothing to take the modulus of
+    ASSERT_TRUE(run("hilbert()"));
+    EXPECT_FALSE(m.realOnly());
+    ASSERT_EQ(m.im.size(), 64u);
+    double energy = 0;
+    for (float v : m.im) energy += double(v) * v;
+    EXPECT_GT(energy, 1.0);
 }
 
 }  // namespace
