@@ -24,15 +24,23 @@ std::string paraVisionToAcqus(std::string text) {
     const char separator = lineSeparator(text);
     const size_t size = text.find("##$ACQ_size=(");
     if (size != std::string::npos) text.replace(size + 3, 4, "TD=(");
-    for (size_t label = text.find("=("); label != std::string::npos;
-         label = text.find("=(", label + 1)) {
-        const size_t lineStart = text.rfind(separator, label);
-        const size_t first = lineStart == std::string::npos ? 0 : lineStart + 1;
-        if (text.compare(first, 2, "##") != 0 || text.find('=', first) != label) continue;
-        const size_t lineEnd = text.find(separator, label);
-        text.erase(label + 1,
-                   lineEnd == std::string::npos ? std::string::npos : lineEnd + 1 - (label + 1));
+    // Copied line by line rather than erased in place, so that many labels cost no more
+    // than one pass.
+    std::string joined;
+    joined.reserve(text.size());
+    for (size_t line = 0; line < text.size();) {
+        size_t next = text.find(separator, line);
+        next = next == std::string::npos ? text.size() : next + 1;
+        const std::string_view whole(text.data() + line, next - line);
+        const size_t label = whole.find('=');
+        if (whole.starts_with("##") && label != std::string_view::npos &&
+            whole.substr(label, 2) == "=(")
+            joined.append(whole.substr(0, label + 1));  // the values follow on the next line
+        else
+            joined.append(whole);
+        line = next;
     }
+    text = std::move(joined);
     const size_t end = text.find("##END");
     if (end != std::string::npos) text.resize(end + 5);
 
