@@ -16,9 +16,9 @@ struct BrukerReadOptions {
 
 // What the document-information panel shows.
 struct AcquisitionInfo {
-    std::string dateStamp;        // from the first "$$ " line of acqus
-    double relaxationDelay = 0.0; // D1, seconds
-    int scans = 0;                // NS
+    std::string dateStamp;         // from the first "$$ " line of acqus
+    double relaxationDelay = 0.0;  // D1, seconds
+    int scans = 0;                 // NS
 };
 
 struct BrukerRead {
@@ -27,7 +27,11 @@ struct BrukerRead {
     AcquisitionInfo info;
 };
 
-// path: the experiment folder or any file inside it (acqus, fid, ser ...).
+// Every read source is ready for the loader: provenance ("Bruker", "ParaVision", "Win-NMR"),
+// highest t-index, display indices and minimums (completeSource) and the probed byte order.
+// Sizes follow the convention written down in io/raw_loader.h.
+// path: the experiment folder or any file inside it (acqus, fid, ser ...). With `processed`
+// a folder holding only pdata/1/1r or 2rr (no fid or ser) is read too.
 std::optional<BrukerRead> readBrukerFolder(const std::string& path,
                                            const BrukerReadOptions& options = {});
 // path: any file of a Win-NMR data set (base name with aqs, fa1, fa2, fqs ...).
