@@ -6,7 +6,12 @@
 #include <numbers>
 #include <random>
 
+#include "io/bruker_reader.h"
+#include "io/raw_loader.h"
+#include "processing/baseline.h"
+#include "processing/fft.h"
 #include "processing/phase.h"
+#include "test_data.h"
 
 namespace zolt {
 namespace {
@@ -221,6 +226,61 @@ TEST(AutoPhase2D, EditedPlaneComesOutAbsorptiveAndUpright) {
     plain.re.assign(64, 1.0f);
     plain.im.assign(64, 0.0f);
     EXPECT_FALSE(autoPhase2D(plain, 0).has_value());
+}
+
+// A 1-D FID read, weighted (exponential, lb Hz), zero-filled to size, transformed with the
+// quadrature shift and given the digital-filter compensation, as the transform leaves it.
+std::optional<SpectrumMatrix> transformed(const std::string& name, size_t size, double lb) {
+    const auto read = readBrukerFolder(testdata::bruker(name));
+    if (!read) return std::nullopt;
+    auto m = loadMatrix(read->source);
+    if (!m || m->im.empty()) return std::nullopt;
+    const size_t n = std::min<size_t>(m->dims[1].points, size);
+    const double hz = spectralWidthHz(m->dims[1]);
+    for (size_t k = 0; k < n; ++k) {
+        const double w = std::exp(-kPi * lb * k / hz) * ((k & 1) ? -1.0 : 1.0);
+        m->re[k] = static_cast<float>(m->re[k] * w);
+        m->im[k] = static_cast<float>(m->im[k] * w);
+    }
+    m->re.resize(size);
+    m->im.resize(size);
+    std::fill(m->re.begin() + n, m->re.end(), 0.0f);
+    std::fill(m->im.begin() + n, m->im.end(), 0.0f);
+    m->dims[1].points = static_cast<uint32_t>(size);
+    fft(m->re.data(), m->im.data(), size, 1);
+    applyPhase(*m, 1, 0.0, 2.0 * kPi * m->dims[1].timeShift);
+    return m;
+}
+
+TEST(AutoPhaseRealData, AspirinMatchesTheVendorProcessedSpectrum) {
+    auto m = transformed("aspirin-1h", 32768, 0.3);  // the vendor's size and broadening
+    ASSERT_TRUE(m.has_value());
+    BrukerReadOptions processed;
+    processed.processed = true;
+    const auto read = readBrukerFolder(testdata::bruker("aspirin-1h-processed"), processed);
+    ASSERT_TRUE(read.has_value());
+    const auto vendor = loadMatrix(read->source);
+    ASSERT_TRUE(vendor.has_value());
+    ASSERT_EQ(vendor->re.size(), m->re.size());
+    EXPECT_LT(correlation(m->re, vendor->re), 0.5);  // not phased yet
+    ASSERT_TRUE(autoPhase(*m, 0).has_value());
+    EXPECT_GE(correlation(m->re, vendor->re), 0.99);
+}
+
+TEST(AutoPhaseRealData, ProtonSpectraEndWithLittleNegativeArea) {
+    for (const char* name : {"aspirin-1h", "strychnine-1h", "cyclosporin-1h"}) {
+        auto m = transformed(name, 65536, 0.3);
+        ASSERT_TRUE(m.has_value()) << name;
+        ASSERT_TRUE(autoPhase(*m, 0).has_value());
+        BaseplaneStep poly;
+        poly.function = 1;
+        poly.order = 7;
+        poly.movingAverage = 64;
+        ASSERT_FALSE(correctBaseline(*m, 1, poly).has_value());
+        double positive = 0.0, negative = 0.0;
+        for (float v : m->re) (v > 0 ? positive : negative) += v;
+        EXPECT_LT(-negative, 0.02 * positive) << name;
+    }
 }
 
 }  // namespace
