@@ -18,11 +18,15 @@ constexpr int kNewSourceVersion = 141;
 constexpr const char* kCreator = "Zolt for Linux";
 constexpr size_t kMaxDocumentBytes = size_t{64} << 20;
 
-void put(Value* dict, const char* key, Value* v) { plist::addToDictionary(dict, key, v); }
+void put(Value* dict, const char* key, Value* v) {
+    plist::addToDictionary(dict, key, v);
+}
 void putInt(Value* dict, const char* key, int64_t i) {
     put(dict, key, plist::createInteger(static_cast<int32_t>(i)));
 }
-void putReal(Value* dict, const char* key, double r) { put(dict, key, plist::createReal(r)); }
+void putReal(Value* dict, const char* key, double r) {
+    put(dict, key, plist::createReal(r));
+}
 void putString(Value* dict, const char* key, const std::string& s) {
     put(dict, key, plist::createString(s));
 }
@@ -89,8 +93,9 @@ void coordinatesFromTree(const Value* c, SpectrumSource& s) {
         auto realAt = [&](size_t i) {
             const Value* v = i < phase->items.size() ? phase->items[i] : nullptr;
             if (!v) return 0.0;
-            return v->kind == plist::Kind::Real ? v->real
-                   : v->kind == plist::Kind::Integer ? double(v->integer) : 0.0;
+            return v->kind == plist::Kind::Real      ? v->real
+                   : v->kind == plist::Kind::Integer ? double(v->integer)
+                                                     : 0.0;
         };
         d.phase0 = static_cast<float>(realAt(0));
         d.phase1 = static_cast<float>(realAt(1));
@@ -100,14 +105,22 @@ void coordinatesFromTree(const Value* c, SpectrumSource& s) {
 
 NumberType numberTypeFromText(const std::string& t) {
     switch (t.empty() ? '\0' : t[0]) {
-        case '2': return NumberType::Bits24;
-        case 'A': return NumberType::AsciiSqueezed;
-        case 'X': return NumberType::XEasy16;
-        case 'd': return NumberType::Double;
-        case 'f': return NumberType::Float;
-        case 's': return NumberType::Short;
-        case 't': return NumberType::Text;
-        default: return NumberType::Long;
+        case '2':
+            return NumberType::Bits24;
+        case 'A':
+            return NumberType::AsciiSqueezed;
+        case 'X':
+            return NumberType::XEasy16;
+        case 'd':
+            return NumberType::Double;
+        case 'f':
+            return NumberType::Float;
+        case 's':
+            return NumberType::Short;
+        case 't':
+            return NumberType::Text;
+        default:
+            return NumberType::Long;
     }
 }
 
@@ -121,7 +134,8 @@ constexpr JcampOption kJcampOptions[] = {{1, "ntuples"}, {2, "reverse order"}, {
 Value* windowStateToTree(const SpectrumDocument& doc) {
     Value* w = plist::createDictionary();
     Value* page = plist::createArray();
-    for (int v : doc.windowState.pageAndMargins) plist::appendToArray(page, plist::createInteger(v));
+    for (int v : doc.windowState.pageAndMargins)
+        plist::appendToArray(page, plist::createInteger(v));
     put(w, "page and margins", page);
     put(w, "free size", plist::createBoolean(doc.windowState.freeSize));
     put(w, "drawer", plist::createBoolean(doc.windowState.drawer));
@@ -154,7 +168,8 @@ void windowStateFromTree(const Value* w, SpectrumDocument& doc) {
         ints(child(w, "window bounds", plist::Kind::Array), doc.windowState.bounds);
     if (const Value* b = child(w, "free size", plist::Kind::Boolean))
         doc.windowState.freeSize = b->boolean;
-    if (const Value* b = child(w, "drawer", plist::Kind::Boolean)) doc.windowState.drawer = b->boolean;
+    if (const Value* b = child(w, "drawer", plist::Kind::Boolean))
+        doc.windowState.drawer = b->boolean;
     doc.windowState.pageNumber = static_cast<int>(integerOr(w, "page number", 0));
     doc.metadata.title = stringOr(w, "optional title");
     doc.metadata.formula = stringOr(w, "ASCII formula");
@@ -185,9 +200,8 @@ bool processingFromTree(const Value* p, ProcessingRecord& record) {
 
 // The log's text, one array entry per line, for readers of the file.
 Value* performedProcessingToTree(const SpectrumDocument& doc) {
-    const std::string log = processingLog(doc.processing, [&doc](int d) {
-        return int64_t{doc.matrix.dims[d].points};
-    });
+    const std::string log =
+        processingLog(doc.processing, [&doc](int d) { return int64_t{doc.matrix.dims[d].points}; });
     Value* lines = plist::createArray();
     std::istringstream in(log);
     for (std::string line; std::getline(in, line);) {
@@ -256,7 +270,8 @@ plist::Value* sourceToTree(const SpectrumSource& s, const SpectrumMatrix* matrix
     put(d, "NMR coordinates", coordinates);
     if (s.highestTIndex < countDimensions(s)) {
         Value* phaseable = plist::createArray();
-        for (int f = 1; f <= 3; ++f) plist::appendToArray(phaseable, plist::createInteger(s.phaseable[f]));
+        for (int f = 1; f <= 3; ++f)
+            plist::appendToArray(phaseable, plist::createInteger(s.phaseable[f]));
         put(d, "phaseable dimensions", phaseable);
     }
     putString(d, "provenance", s.provenance);
@@ -277,7 +292,8 @@ std::optional<SpectrumSource> sourceFromTree(const Value* d) {
     s.fileName = stringOr(d, "raw data file");
     s.numberType = numberTypeFromText(stringOr(d, "type of numbers"));
     const int64_t block = integerOr(d, "block size", 0);
-    s.blockSize = block > 0 && block <= 0x7FFFFFFF ? static_cast<uint32_t>(block) : kDefaultBlockSize;
+    s.blockSize =
+        block > 0 && block <= 0x7FFFFFFF ? static_cast<uint32_t>(block) : kDefaultBlockSize;
     if (s.numberType == NumberType::AsciiSqueezed) {
         s.yFactorReal = static_cast<float>(number(d, "Y factor (real)").value_or(1.0));
         s.yFactorImaginary = static_cast<float>(number(d, "Y factor (imaginary)").value_or(1.0));
@@ -379,7 +395,8 @@ DocumentRead readDocumentFile(const std::string& path) {
         r.text = kNewerVersionText;
         return r;
     }
-    std::optional<SpectrumSource> source = sourceFromTree(child(root.get(), "spectroscopy", plist::Kind::Dictionary));
+    std::optional<SpectrumSource> source =
+        sourceFromTree(child(root.get(), "spectroscopy", plist::Kind::Dictionary));
     if (!source) return incoherent();
     const std::optional<std::string> raw = locateRawData(path, source->fileName);
     if (!raw) return incoherent();

@@ -1,0 +1,201 @@
+#include "document/document_file.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "test_data.h"
+
+namespace zolt {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A 2-D document as a Bruker reader leaves it, beside a raw file in a temporary folder.
+SpectrumDocument sampleDocument(const std::string& folder) {
+    SpectrumDocument doc;
+    doc.source.rawPath = folder + "/ser";
+    doc.source.fileName = "ser";
+    std::ofstream(doc.source.rawPath) << "raw";
+    doc.source.provenance = "Bruker";
+    doc.source.numberType = NumberType::Long;
+    doc.source.flags = source_flags::kInterleaved | source_flags::kLittleEndian;
+    doc.source.blockSize = 8192;
+    doc.source.blockHeader = 0;
+    doc.source.highestTIndex = 2;
+    doc.source.xIndex = 2;
+    doc.source.yIndex = 1;
+    doc.source.dims[2] = {1024, 0, 12.5f, -1.25f, 600.13f, 0.5f, -0.25f, -76.0f, 1, {'H', 0}};
+    doc.source.dims[1] = {256, 128, 160.0f, -10.0f, 150.9f, 0.0f, 0.0f, 0.0f, 13, {'C', 0}};
+    doc.source.ftPreferences = {0, 6, 3, 0};
+    doc.metadata.title = "cyclosporin\nHSQC";
+    doc.metadata.solvent = "C6D6";
+    doc.metadata.temperature = 298.0f;
+    FourierTransformStep ft;
+    ft.ftSize = 2048;
+    ft.flags = ft_flags::kApplyWeights | ft_flags::kExponential;
+    ft.weights[kWeightExponential] = 0.3f;
+    doc.processing.steps.push_back({2, ft});
+    doc.processing.doneMask = done_mask::transformed(2);
+    return doc;
+}
+
+class DocumentFile : public ::testing::Test {
+protected:
+    void SetUp() override { dir_ = testdata::freshTempDir("document"); }
+    void TearDown() override { fs::remove_all(dir_); }
+    std::string dir_;
+};
+
+TEST_F(DocumentFile, TreeHoldsTheSourceWithItsFixedKeys) {
+    const SpectrumDocument doc = sampleDocument(dir_);
+    plist::Ref tree(buildDocumentTree(doc));
+    const std::string text = plist::write(tree.get());
+    EXPECT_NE(text.find("<key>! last use</key>\n\t<string>1995-10-08T07:57:45Z</string>"),
+              std::string::npos);
+    EXPECT_NE(text.find("<key>! write with version</key>\n\t<integer>711</integer>"),
+              std::string::npos);
+    EXPECT_NE(text.find("<key>! read with version</key>\n\t<integer>141</integer>"),
+              std::string::npos);
+    EXPECT_NE(text.find("<key>! content</key>\n\t<string>generic NMR spectrum</string>"),
+              std::string::npos);
+    // Flags by presence; "interleaved" is written as false.
+    EXPECT_NE(text.find("<key>interleaved</key>\n\t\t<false/>"), std::string::npos);
+    EXPECT_NE(text.find("<key>little endian</key>\n\t\t<true/>"), std::string::npos);
+    EXPECT_NE(text.find("<key>y index</key>"), std::string::npos);
+    EXPECT_EQ(text.find("<key>z index</key>"), std::string::npos);
+    EXPECT_NE(text.find("<key>points after NUS reconstruction</key>"), std::string::npos);
+    EXPECT_NE(text.find("<key>performed processing</key>"), std::string::npos);
+    // A raw FID: every dimension is still in the time domain, no phaseable list.
+    EXPECT_EQ(text.find("<key>phaseable dimensions</key>"), std::string::npos);
+}
+
+TEST_F(DocumentFile, SourceSurvivesTheRoundTrip) {
+    const SpectrumDocument doc = sampleDocument(dir_);
+    const std::string path = dir_ + "/ser.zolt";
+    ASSERT_TRUE(saveDocument(doc, path, false).ok);
+    DocumentRead read = readDocumentFile(path);
+    ASSERT_TRUE(read.document) << read.caption << ": " << read.text;
+    const SpectrumSource& s = read.document->source;
+    EXPECT_EQ(s.rawPath, dir_ + "/ser");
+    EXPECT_EQ(s.flags, doc.source.flags);  // "interleaved" read back although saved false
+    EXPECT_EQ(s.provenance, "Bruker");
+    EXPECT_EQ(s.blockSize, 8192u);
+    EXPECT_EQ(s.highestTIndex, 2);
+    EXPECT_EQ(s.xIndex, 2);
+    EXPECT_EQ(s.yIndex, 1);
+    for (int f : {1, 2}) {
+        const DimensionRecord& a = doc.source.dims[f];
+        const DimensionRecord& b = s.dims[f];
+        EXPECT_EQ(a.points, b.points);
+        EXPECT_EQ(a.pointsAfterNus, b.pointsAfterNus);
+        EXPECT_FLOAT_EQ(a.spectralWidth, b.spectralWidth);
+        EXPECT_FLOAT_EQ(a.lowestPpm, b.lowestPpm);
+        EXPECT_FLOAT_EQ(a.carrier, b.carrier);
+        EXPECT_FLOAT_EQ(a.phase0, b.phase0);
+        EXPECT_FLOAT_EQ(a.phase1, b.phase1);
+        EXPECT_FLOAT_EQ(a.timeShift, b.timeShift);
+        EXPECT_EQ(a.isotope, b.isotope);
+        EXPECT_EQ(a.atom[0], b.atom[0]);
+        EXPECT_EQ(doc.source.ftPreferences[f], s.ftPreferences[f]);
+    }
+    EXPECT_EQ(s.dims[3].points, 1u);
+    EXPECT_EQ(read.document->metadata.title, "cyclosporin\nHSQC");
+    EXPECT_EQ(read.document->metadata.solvent, "C6D6");
+    EXPECT_FLOAT_EQ(read.document->metadata.temperature, 298.0f);
+    ASSERT_EQ(read.document->processing.steps.size(), 1u);
+    EXPECT_EQ(read.document->processing.doneMask, done_mask::transformed(2));
+    const auto& ft = std::get<FourierTransformStep>(read.document->processing.steps[0].data);
+    EXPECT_EQ(ft.ftSize, 2048u);
+    EXPECT_FLOAT_EQ(ft.weights[kWeightExponential], 0.3f);
+}
+
+TEST_F(DocumentFile, NewerReadVersionIsRefused) {
+    const SpectrumDocument doc = sampleDocument(dir_);
+    const std::string path = dir_ + "/ser.zolt";
+    ASSERT_TRUE(saveDocument(doc, path, false).ok);
+    std::string text = testdata::readFile(path);
+    const std::string from = "<integer>141</integer>";
+    text.replace(text.find(from), from.size(), "<integer>712</integer>");
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
+    DocumentRead refused = readDocumentFile(path);
+    EXPECT_FALSE(refused.document);
+    EXPECT_EQ(refused.caption, "This file requires another version of Zolt");
+    EXPECT_EQ(refused.text,
+              "You can either update your copy of the program or rename the *.zolt file");
+
+    text.replace(text.find("<integer>712</integer>"), 22, "<integer>711</integer>");
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
+    DocumentRead accepted = readDocumentFile(path);
+    ASSERT_TRUE(accepted.document);
+    EXPECT_EQ(accepted.document->readWithVersion, 711);
+}
+
+TEST_F(DocumentFile, BackUpKeepsThePreviousVersion) {
+    SpectrumDocument doc = sampleDocument(dir_);
+    const std::string path = dir_ + "/ser.zolt";
+    ASSERT_TRUE(saveDocument(doc, path, true).ok);
+    const std::string first = testdata::readFile(path);
+    doc.metadata.title = "second";
+    ASSERT_TRUE(saveDocument(doc, path, true).ok);
+    EXPECT_EQ(testdata::readFile(dir_ + "/ser.back"), first);
+    EXPECT_NE(testdata::readFile(path).find("<string>second</string>"), std::string::npos);
+    // No temporary file is left behind.
+    int files = 0;
+    for ([[maybe_unused]] const auto& e : fs::directory_iterator(dir_)) ++files;
+    EXPECT_EQ(files, 3);  // ser, ser.zolt, ser.back
+}
+
+TEST_F(DocumentFile, FileThatCannotBeCreatedKeepsThePreviousDocument) {
+    SpectrumDocument doc = sampleDocument(dir_);
+    const std::string path = dir_ + "/ser.zolt";
+    ASSERT_TRUE(saveDocument(doc, path, true).ok);
+    const std::string before = testdata::readFile(path);
+    // Something in the way of the new file: it cannot be created, even by root.
+    fs::create_directory(path + ".saving");
+    doc.metadata.title = "lost";
+    const SaveResult r = saveDocument(doc, path, true);
+    EXPECT_FALSE(r.ok);
+    EXPECT_EQ(r.caption, "There was a System Error");
+    EXPECT_EQ(r.text, "Failed to Create the File");
+    EXPECT_EQ(testdata::readFile(path), before);
+    EXPECT_FALSE(fs::exists(dir_ + "/ser.back"));
+}
+
+TEST_F(DocumentFile, SaveIntoAMissingFolderFails) {
+    const SpectrumDocument doc = sampleDocument(dir_);
+    const SaveResult r = saveDocument(doc, dir_ + "/missing/ser.zolt", false);
+    EXPECT_FALSE(r.ok);
+    EXPECT_EQ(r.caption, "There was a System Error");
+}
+
+TEST_F(DocumentFile, MovedRawDataAreFoundByTheDocumentName) {
+    const SpectrumDocument doc = sampleDocument(dir_);
+    ASSERT_TRUE(saveDocument(doc, dir_ + "/run7.zolt", false).ok);
+    // The saved name is absent; the document's own base name with the saved extension
+    // (none here) is tried next.
+    fs::rename(dir_ + "/ser", dir_ + "/run7");
+    DocumentRead moved = readDocumentFile(dir_ + "/run7.zolt");
+    ASSERT_TRUE(moved.document);
+    EXPECT_EQ(moved.document->source.rawPath, dir_ + "/run7");
+    fs::remove(dir_ + "/run7");
+    DocumentRead missing = readDocumentFile(dir_ + "/run7.zolt");
+    EXPECT_FALSE(missing.document);
+    EXPECT_EQ(missing.caption, "Failed to Read the file");
+}
+
+TEST_F(DocumentFile, HostileDocumentsAreRefusedQuietly) {
+    for (const std::string& text :
+         {std::string(""), std::string("garbage"), std::string("<plist><array><integer>1"),
+          std::string("<dict><key>spectroscopy</key><string>x</string></dict>"),
+          std::string(100000, '<')}) {
+        std::ofstream(dir_ + "/bad.zolt", std::ios::trunc) << text;
+        DocumentRead r = readDocumentFile(dir_ + "/bad.zolt");
+        EXPECT_FALSE(r.document);
+        EXPECT_EQ(r.caption, "Failed to Read the file");
+    }
+}
+
+}  // namespace
+}  // namespace zolt
