@@ -252,32 +252,36 @@ template <typename P>
     if (k < last) radix2Stage<P>(re, im, len, size_t{4} << k, angles[k]);
 }
 
-// Stages whose groups of 2h fit in a cache span run span by span; the rest sweep everything.
+// Everything after the bit reversal. The radix-4 pass and the stages whose groups of 2h fit
+// in a cache span run span by span; the wider stages then sweep the whole array.
 template <typename P>
-[[gnu::always_inline]] inline void allRadix2Stages(float* re, float* im, size_t n,
+[[gnu::always_inline]] inline void butterflyPasses(float* re, float* im, size_t n, float sign,
                                                    const StageAngle* angles, size_t stages) {
     const size_t span = std::min(n, kCacheSpan);
     size_t local = 0;
     while ((size_t{8} << local) <= span) ++local;
-    for (size_t start = 0; start < n; start += span)
+    for (size_t start = 0; start < n; start += span) {
+        radix4Pass(re + start, im + start, span, sign);
         radix2Stages<P>(re + start, im + start, span, angles, 0, local);
+    }
     radix2Stages<P>(re, im, n, angles, local, stages);
 }
 
 #ifdef ZOLT_FFT_X86
-[[gnu::target("avx")]] void radix2StagesAvx(float* re, float* im, size_t n,
-                                            const StageAngle* angles, size_t stages) {
-    allRadix2Stages<AvxPack>(re, im, n, angles, stages);
+[[gnu::target("avx")]] void butterflyPassesAvx(float* re, float* im, size_t n, float sign,
+                                               const StageAngle* angles, size_t stages) {
+    butterflyPasses<AvxPack>(re, im, n, sign, angles, stages);
 }
 #endif
 
-void radix2StagesAnyCpu(float* re, float* im, size_t n, const StageAngle* angles, size_t stages) {
+void butterflyPassesAnyCpu(float* re, float* im, size_t n, float sign, const StageAngle* angles,
+                           size_t stages) {
 #ifdef ZOLT_FFT_X86
     // Four-lane kernels need at least 4 points per half-span, which h >= 4 guarantees.
-    if (__builtin_cpu_supports("avx")) return radix2StagesAvx(re, im, n, angles, stages);
-    allRadix2Stages<Sse2Pack>(re, im, n, angles, stages);
+    if (__builtin_cpu_supports("avx")) return butterflyPassesAvx(re, im, n, sign, angles, stages);
+    butterflyPasses<Sse2Pack>(re, im, n, sign, angles, stages);
 #else
-    allRadix2Stages<ScalarPack>(re, im, n, angles, stages);
+    butterflyPasses<ScalarPack>(re, im, n, sign, angles, stages);
 #endif
 }
 
@@ -286,7 +290,6 @@ void radix2StagesAnyCpu(float* re, float* im, size_t n, const StageAngle* angles
 void fft(float* re, float* im, size_t n, int direction) {
     if (n < 4 || n > kMaxFftSize || (n & (n - 1)) != 0) return;
     bitReverse(re, im, n);
-    radix4Pass(re, im, n, direction > 0 ? 1.0f : -1.0f);
 
     // Stage k has angle pi/h, h = 4 << k: its cosine from the table, its sine by
     // sin(2x) = 2 sin x cos x downwards from sin(pi/2) = direction.
@@ -299,7 +302,7 @@ void fft(float* re, float* im, size_t n, int direction) {
         angles[stages] = {cosines[stages], s};
     }
 
-    radix2StagesAnyCpu(re, im, n, angles.data(), stages);
+    butterflyPassesAnyCpu(re, im, n, direction > 0 ? 1.0f : -1.0f, angles.data(), stages);
 }
 
 void unscrambleRealFt(float* re, float* im, size_t n) {
