@@ -1,0 +1,49 @@
+#include "document/processing_replay.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "processing/baseline.h"
+#include "processing/ft_pipeline.h"
+
+namespace zolt {
+
+int rawHighestTIndex(int savedTIndex, uint32_t doneMask) {
+    int t = savedTIndex;
+    for (int d = 1; d <= 3; ++d)
+        if (doneMask & done_mask::transformed(d)) t = std::max(t, d);
+    return t;
+}
+
+std::optional<ReplayMessage> replayProcessing(SpectrumDocument& doc) {
+    ProcessingRecord saved = std::move(doc.processing);
+    doc.processing = {};
+    doc.source.highestTIndex =
+        static_cast<int8_t>(rawHighestTIndex(doc.source.highestTIndex, saved.doneMask));
+
+    // Transform steps are the preferences of their dimension: they go back first.
+    for (const ProcessingStep& step : saved.steps)
+        if (step.kind() == StepKind::FourierTransform) doc.processing.steps.push_back(step);
+
+    std::optional<ReplayMessage> message;
+    auto keep = [&message](const auto& m) {
+        if (m && !message) message = ReplayMessage{m->caption, m->text};
+    };
+    for (int d = 3; d >= 1; --d) {
+        if (!(saved.doneMask & done_mask::transformed(d))) continue;
+        if (doc.source.highestTIndex < d) continue;
+        keep(transformNextDimension(doc).message);
+    }
+    for (const ProcessingStep& step : saved.steps) {
+        if (const auto* b = std::get_if<BaseplaneStep>(&step.data))
+            keep(correctBaseline(doc, step.dimension, *b));
+        else if (const auto* p = std::get_if<PolynomialStep>(&step.data))
+            applyPolynomialStep(doc, step.dimension, *p);
+    }
+    // Whatever the replay recorded, the document keeps the record it was saved with.
+    doc.processing.steps = std::move(saved.steps);
+    doc.processing.doneMask |= saved.doneMask;
+    return message;
+}
+
+}  // namespace zolt

@@ -1,0 +1,25 @@
+// Replaying a saved processing record on raw data read again.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "model/spectrum_document.h"
+
+namespace zolt {
+
+struct ReplayMessage {
+    std::string caption;
+    std::string text;
+};
+
+// The document holds its freshly loaded raw data and the record as saved. Every dimension
+// the saved done mask marks as transformed is transformed again by its step (highest f-index
+// first), then the other steps run in their saved order. The record ends as it was saved.
+std::optional<ReplayMessage> replayProcessing(SpectrumDocument& doc);
+
+// The highest t-index of the raw data, from the saved (current) one and the dimensions the
+// done mask marks as transformed.
+int rawHighestTIndex(int savedTIndex, uint32_t doneMask);
+
+}  // namespace zolt
