@@ -8,13 +8,15 @@ namespace {
 
 using namespace ft_flags;
 
-// With the +1 kernel of our FFT, Bruker's quadrature data land with high frequencies on the
-// left as they are; only the recombined indirect axes need their sense checked per mode.
+// With the +1 kernel of our FFT, quadrature data put frequencies above the carrier on the left
+// (high ppm) as they come. Real samples (single channel, sequential, TPPI) run from the low
+// edge upwards; negating every second sample (the conjugate flag seen by a real FT) turns the
+// axis round.
 uint16_t directFlags(uint8_t code) {
     switch (code) {
         case acquisition_mode::kQf:
         case acquisition_mode::kQseq:
-            return kRealFt;
+            return kRealFt | kConjugate;
         default:
             return kQuadrature;
     }
@@ -29,19 +31,20 @@ IndirectMode indirectMode(uint8_t code) {
     switch (code) {
         case indirect_mode::kQseq:
         case indirect_mode::kTppi:
-            return {Shuffling::PhaseSensitive, kRealFt | kHypercomplex};
+            return {Shuffling::PhaseSensitive, kRealFt | kConjugate | kHypercomplex};
         case indirect_mode::kStates:
         case indirect_mode::kVarianStates:
         case indirect_mode::kVarianOuterStates:
-            return {Shuffling::PhaseSensitive, kQuadrature | kHypercomplex | kConjugate};
-        case indirect_mode::kStatesTppi:
-            return {Shuffling::PhaseSensitive, kHypercomplex | kConjugate};
+            return {Shuffling::PhaseSensitive, kQuadrature | kHypercomplex};
+        case indirect_mode::kStatesTppi:  // the TPPI signs already centre the carrier
+            return {Shuffling::PhaseSensitive, kHypercomplex};
         case indirect_mode::kEchoAntiEcho:
-            return {Shuffling::EchoAntiEcho, kQuadrature | kHypercomplex};
         case indirect_mode::kVarianCoefficients:
-            return {Shuffling::EchoAntiEcho, kQuadrature | kHypercomplex | kConjugate};
-        default:  // QF and undefined: one phase-modulated signal, shown in magnitude
-            return {Shuffling::None, kQuadrature | kMagnitude};
+            return {Shuffling::EchoAntiEcho, kQuadrature | kHypercomplex};
+        default:
+            // QF and undefined: one phase-modulated signal (gradient-selected N-type), whose
+            // sense is opposite to the direct axis; shown in magnitude.
+            return {Shuffling::None, kQuadrature | kConjugate | kMagnitude};
     }
 }
 

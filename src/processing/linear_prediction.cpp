@@ -13,6 +13,8 @@ namespace {
 
 using cplx = std::complex<double>;
 
+constexpr double kRidge = 1e-10;
+
 // Normal equations of x[t] = sum_j a_j x[t-j] over t = p+1 ... n-1, then solved in place by
 // Gaussian elimination with partial pivoting. m is p x p (row-major), v the right-hand side;
 // the coefficients come back in v. A singular system leaves zero coefficients.
@@ -36,6 +38,11 @@ void solveCoefficients(const cplx* x, size_t n, size_t p, std::vector<cplx>& m,
                                std::conj(x[t1 - i]) * x[t1 - j];
     for (size_t i = 2; i <= p; ++i)
         for (size_t j = 1; j < i; ++j) at(i, j) = std::conj(at(j, i));
+    // Signals fewer than the order make the system singular; a faint ridge keeps the
+    // solution small instead of letting rounding pick wild coefficients.
+    double trace = 0.0;
+    for (size_t i = 1; i <= p; ++i) trace += at(i, i).real();
+    for (size_t i = 1; i <= p; ++i) at(i, i) += kRidge * trace / static_cast<double>(p);
 
     for (size_t c = 0; c < p; ++c) {
         size_t pivot = c;

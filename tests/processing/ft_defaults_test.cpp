@@ -1,0 +1,208 @@
+#include "processing/ft_defaults.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "io/bruker_reader.h"
+#include "io/raw_loader.h"
+#include "processing/ft_pipeline.h"
+#include "test_data.h"
+
+namespace zolt {
+namespace {
+
+using namespace ft_flags;
+
+SpectrumSource twoD(uint8_t fnMode, uint32_t rows = 256, uint8_t aqMod = 3) {
+    SpectrumSource s;
+    s.dims[2].points = 1000;
+    s.dims[1].points = rows;
+    setAtom(s.dims[2], "H");
+    setAtom(s.dims[1], "C");
+    s.ftPreferences[2] = aqMod;
+    s.ftPreferences[1] = fnMode;
+    s.highestTIndex = 2;
+    return s;
+}
+
+TEST(FtDefaults, DirectAxisFollowsTheAcquisitionMode) {
+    for (uint8_t code :
+         {acquisition_mode::kQsim, acquisition_mode::kDqd, acquisition_mode::kNone}) {
+        const auto step = defaultFourierTransformStep(twoD(4, 256, code), 2);
+        ASSERT_TRUE(step);
+        EXPECT_EQ(step->flags & (kQuadrature | kRealFt | kConjugate), kQuadrature) << int(code);
+        EXPECT_EQ(step->shuffling, Shuffling::None);
+        EXPECT_EQ(step->ftSize, 1024u);  // 1000 complex points, next power of two
+        EXPECT_TRUE(step->flags & kApplyWeights);
+        EXPECT_FALSE(step->flags & kAnyWeighting);
+    }
+    for (uint8_t code : {acquisition_mode::kQf, acquisition_mode::kQseq})
+        EXPECT_TRUE(defaultFourierTransformStep(twoD(4, 256, code), 2)->flags & kRealFt);
+}
+
+TEST(FtDefaults, IndirectModesBecomeShufflingAndFlags) {
+    struct Case {
+        uint8_t code;
+        Shuffling shuffling;
+        uint16_t flags;
+    };
+    const uint16_t mask = kQuadrature | kConjugate | kRealFt | kHypercomplex | kMagnitude;
+    const Case cases[] = {
+        {indirect_mode::kUndefined, Shuffling::None, kQuadrature | kConjugate | kMagnitude},
+        {indirect_mode::kQf, Shuffling::None, kQuadrature | kConjugate | kMagnitude},
+        {indirect_mode::kQseq, Shuffling::PhaseSensitive, kRealFt | kConjugate | kHypercomplex},
+        {indirect_mode::kTppi, Shuffling::PhaseSensitive, kRealFt | kConjugate | kHypercomplex},
+        {indirect_mode::kStates, Shuffling::PhaseSensitive, kQuadrature | kHypercomplex},
+        {indirect_mode::kStatesTppi, Shuffling::PhaseSensitive, kHypercomplex},
+        {indirect_mode::kEchoAntiEcho, Shuffling::EchoAntiEcho, kQuadrature | kHypercomplex},
+        {indirect_mode::kVarianStates, Shuffling::PhaseSensitive, kQuadrature | kHypercomplex},
+    };
+    for (const auto& c : cases) {
+        const auto step = defaultFourierTransformStep(twoD(c.code, 200), 1);
+        ASSERT_TRUE(step);
+        EXPECT_EQ(step->shuffling, c.shuffling) << int(c.code);
+        EXPECT_EQ(step->flags & mask, c.flags) << int(c.code);
+        // Zero-filled to twice the recombined points: 200 rows -> 100 pairs -> 256; QF 512.
+        EXPECT_EQ(step->ftSize, c.shuffling == Shuffling::None ? 512u : 256u) << int(c.code);
+    }
+}
+
+TEST(FtDefaults, PseudoAxesGetNoStepAndExistingStepsStay) {
+    auto s = twoD(1, 10);
+    makePseudoDimension(s.dims[1], 10);
+    EXPECT_FALSE(defaultFourierTransformStep(s, 1));
+    EXPECT_FALSE(defaultFourierTransformStep(s, 3));
+
+    SpectrumDocument doc;
+    doc.source = twoD(6, 128);
+    doc.source.dims[1].pointsAfterNus = 512;  // sized for the full grid
+    FourierTransformStep mine;
+    mine.ftSize = 64;
+    doc.processing.steps.push_back(ProcessingStep{2, mine});
+    addDefaultFourierTransformSteps(doc);
+    addDefaultFourierTransformSteps(doc);
+    ASSERT_EQ(doc.processing.steps.size(), 2u);
+    EXPECT_EQ(findFourierTransformStep(doc.processing, 2)->ftSize, 64u);
+    EXPECT_EQ(findFourierTransformStep(doc.processing, 1)->ftSize, 512u);
+}
+
+// ---- every experiment of the test data against the spectrometer's own processing ----
+
+struct Peak {
+    double f1, f2, height;  // f1 is 0 for 1-D spectra
+};
+
+// Point (k1 along f1, k2 along f2) of a 2-D matrix, or point k2 of a 1-D one.
+double valueAt(const SpectrumMatrix& m, size_t k1, size_t k2, bool modulus) {
+    const size_t n1 = m.dims[1].points, n2 = m.dims[2].points;
+    const size_t i = n2 <= 1 ? k2 : m.contiguous == 1 ? k2 * n1 + k1 : k1 * n2 + k2;
+    return modulus ? std::hypot(m.re[i], m.im[i]) : std::abs(m.re[i]);
+}
+
+// Local maxima (3 x 3) of a 1-D or 2-D matrix whose direct axis is f1 (1-D) or f2.
+std::vector<Peak> localMaxima(const SpectrumMatrix& m, bool modulus, size_t count) {
+    const bool oneD = m.dims[2].points <= 1;
+    const DimensionRecord& x = oneD ? m.dims[1] : m.dims[2];
+    const size_t nx = x.points, ny = oneD ? 1 : m.dims[1].points;
+    auto at = [&](size_t y, size_t k) { return valueAt(m, y, k, modulus); };
+    std::vector<Peak> peaks;
+    for (size_t y = 0; y < ny; ++y)
+        for (size_t k = 1; k + 1 < nx; ++k) {
+            const double v = at(y, k);
+            bool top = true;
+            for (int a = -1; a <= 1 && top; ++a) {
+                if ((y == 0 && a < 0) || y + a >= ny) continue;
+                for (int b = -1; b <= 1 && top; ++b)
+                    if ((a || b) && at(y + a, k + b) > v) top = false;
+            }
+            if (top) peaks.push_back({oneD ? 0.0 : ppmOfPoint(m.dims[1], y), ppmOfPoint(x, k), v});
+        }
+    std::sort(peaks.begin(), peaks.end(), [](auto& a, auto& b) { return a.height > b.height; });
+    if (peaks.size() > count) peaks.resize(count);
+    return peaks;
+}
+
+std::optional<SpectrumDocument> openFid(const std::string& folder) {
+    auto read = readBrukerFolder(folder);
+    if (!read) return std::nullopt;
+    auto matrix = loadMatrix(read->source);
+    if (!matrix) return std::nullopt;
+    SpectrumDocument doc;
+    doc.source = read->source;
+    doc.matrix = std::move(*matrix);
+    addDefaultFourierTransformSteps(doc);
+    while (doc.source.highestTIndex > 0)
+        if (transformNextDimension(doc).outcome != FtOutcome::Transformed) return std::nullopt;
+    return doc;
+}
+
+std::vector<Peak> vendorPeaks(const std::string& folder, size_t count) {
+    auto read = readBrukerFolder(folder, BrukerReadOptions{false, true});
+    if (!read || !(read->source.flags & source_flags::kRealOnly)) return {};
+    auto matrix = loadMatrix(read->source);
+    return matrix ? localMaxima(*matrix, false, count) : std::vector<Peak>{};
+}
+
+// The vendor's peak list (pdata/1/peaklist.xml) where no processed data were kept.
+std::vector<Peak> listedPeaks(const std::string& folder, double share) {
+    const std::string xml = testdata::readFile(folder + "/pdata/1/peaklist.xml");
+    const std::regex peak(R"re(<Peak1D F1="([-0-9.]+)" intensity="([-0-9.]+)")re");
+    std::vector<Peak> peaks;
+    for (std::sregex_iterator i(xml.begin(), xml.end(), peak), end; i != end; ++i)
+        peaks.push_back({0.0, std::stod((*i)[1]), std::stod((*i)[2])});
+    double top = 0;
+    for (const auto& p : peaks) top = std::max(top, p.height);
+    std::erase_if(peaks, [&](const Peak& p) { return p.height < share * top; });
+    return peaks;
+}
+
+// t1rho-1h is left out: its processed spectrum was not transformed along f1 and its tallest
+// points sit at the window's edges, so it names no peak to look for.
+struct Expectation {
+    const char* name;
+    double f2Tolerance;  // ppm
+    double f1Tolerance;  // ppm; 0 for 1-D and arrayed series
+};
+
+class EveryBrukerSet : public testing::TestWithParam<Expectation> {};
+
+TEST_P(EveryBrukerSet, PeaksLandWhereTheSpectrometerPutThem) {
+    const auto& e = GetParam();
+    const std::string folder = testdata::bruker(e.name);
+    const auto doc = openFid(folder);
+    ASSERT_TRUE(doc) << e.name;
+    auto expected = vendorPeaks(folder, 8);
+    if (expected.empty()) expected = listedPeaks(folder, 0.3);
+    ASSERT_FALSE(expected.empty()) << e.name;
+    const auto ours = localMaxima(doc->matrix, true, 400);
+    for (const auto& want : expected) {
+        const bool found = std::any_of(ours.begin(), ours.end(), [&](const Peak& p) {
+            return std::abs(p.f2 - want.f2) <= e.f2Tolerance &&
+                   (e.f1Tolerance == 0.0 || std::abs(p.f1 - want.f1) <= e.f1Tolerance);
+        });
+        EXPECT_TRUE(found) << e.name << ": vendor peak at " << want.f1 << " / " << want.f2;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    TestData, EveryBrukerSet,
+    testing::Values(Expectation{"aspirin-1h", 0.01, 0}, Expectation{"naphtoicAcid-1h", 0.01, 0},
+                    Expectation{"strychnine-1h", 0.01, 0}, Expectation{"cyclosporin-1h", 0.01, 0},
+                    Expectation{"cyclosporin-cosy", 0.03, 0.12},
+                    Expectation{"cyclosporin-hsqc", 0.03, 1.4},
+                    Expectation{"cyclosporin-hmbc", 0.03, 3.5},
+                    Expectation{"inversion-recovery", 0.01, 0.5},
+                    Expectation{"cosy-nus", 0.03, 0.12}, Expectation{"hsqc-nus", 0.03, 1.4}),
+    [](const auto& info) {
+        std::string n = info.param.name;
+        std::replace(n.begin(), n.end(), '-', '_');
+        return n;
+    });
+
+}  // namespace
+}  // namespace zolt
