@@ -2,6 +2,8 @@
 #include <cmath>
 
 #include "processing/apodization.h"
+#include "processing/auto_phase.h"
+#include "processing/ft_pipeline.h"
 #include "scripting/commands.h"
 #include "scripting/script_args.h"
 
@@ -73,10 +75,43 @@ int weight(lua_State* L) {
     return 0;
 }
 
+// Phase found automatically after a transform: 1-D spectra with imaginary parts whose stored
+// phase is still untouched (a spectrometer phase read with the data is kept).
+bool wantsAutomaticPhase(const SpectrumDocument& d, const FourierTransformStep& step) {
+    const SpectrumMatrix& m = d.matrix;
+    return countDimensions(d.source) == 1 && d.source.highestTIndex == 0 && step.ftSize != 0 &&
+           m.xIndex > 0 && m.xIndex < 4 && m.dims[m.xIndex].phase0 == 0.0f && !m.realOnly() &&
+           !(m.state & matrix_state::kMagnitude);
+}
+
+// Weights and transforms the next dimension; with p false only weights and zero-fills.
+int wft(lua_State* L) {
+    const bool weights = optBoolean(L, 1, true), perform = optBoolean(L, 2, true);
+    const bool hypercomplex = optBoolean(L, 3, false);
+    ScriptContext& context = host(L).context();
+    for (SpectrumDocument* d : targets(L)) {
+        if (!inTimeDomain(*d)) continue;
+        const int f = d->source.highestTIndex;
+        FourierTransformStep& step = nextStep(*d);
+        setBit(step.flags, ft_flags::kApplyWeights, weights);
+        setBit(step.flags, ft_flags::kHypercomplex, hypercomplex);
+        setBit(step.flags, ft_flags::kStopBeforeTransform, !perform);
+        const FtResult result = transformNextDimension(*d);
+        FourierTransformStep& after = fourierTransformStep(*d, f);
+        setBit(after.flags, ft_flags::kStopBeforeTransform, false);
+        if (result.message) context.message(result.message->caption, result.message->text);
+        if (result.outcome == FtOutcome::Transformed && wantsAutomaticPhase(*d, after))
+            autoPhase(d->matrix, d->source.highestTIndex);
+        context.redraw(*d);
+    }
+    return 0;
+}
+
 }  // namespace
 
 const luaL_Reg kTransformCommands[] = {
-    {"fill", fill}, {"ft", ft}, {"shuffle", shuffle}, {"weight", weight}, {nullptr, nullptr},
+    {"fill", fill},     {"ft", ft},   {"shuffle", shuffle},
+    {"weight", weight}, {"wft", wft}, {nullptr, nullptr},
 };
 
 }  // namespace zolt

@@ -280,5 +280,26 @@ TEST_F(ScriptHostTest, HilbertGivesARealSpectrumItsImaginaryPart) {
     EXPECT_GT(energy, 1.0);
 }
 
+TEST_F(ScriptHostTest, WftTransformsTheNextDimensionAndPhasesProtonSpectra) {
+    SpectrumDocument& d = openAspirin();
+    ASSERT_TRUE(run("fill(32768) weight(0.3) wft(true, false) print(todo())"));
+    EXPECT_EQ(lastLogLine(), "1");  // weighted and zero-filled only
+    EXPECT_FALSE(step(d, 1).flags & ft_flags::kStopBeforeTransform);
+    ASSERT_EQ(app.open(testdata::bruker("aspirin-1h")), 1);
+    SpectrumDocument& fresh = *app.frontDocument();
+    ASSERT_TRUE(run("fill(32768) wft() print(todo(), getf().size)"));
+    EXPECT_EQ(lastLogLine(), "0\t32768");
+    EXPECT_TRUE(step(fresh, 1).flags & ft_flags::kApplyWeights);
+    EXPECT_NE(fresh.matrix.dims[1].phase0, 0.0f);  // the automatic phase ran
+    ASSERT_TRUE(run("wft() print(todo())"));       // nothing left to transform
+    EXPECT_EQ(lastLogLine(), "0");
+
+    ASSERT_EQ(app.open(testdata::bruker("cyclosporin-cosy")), 1);
+    ASSERT_TRUE(run("wft(true, true) print(todo()) wft(true, true, true) print(numdim())"));
+    EXPECT_EQ(lastLogLine(), "2\t0");
+    EXPECT_NE(app.scriptHost().log().find("\r\n1\r\n2\t0"), std::string::npos);
+    EXPECT_TRUE(platform.boxes.empty());
+}
+
 }  // namespace
 }  // namespace zolt
