@@ -230,6 +230,41 @@ TEST(FtPipeline, FilterDelayIsCompensatedByTheFirstOrderPhase) {
     EXPECT_EQ(m.dims[1].timeShift, -68.0f);  // kept: the data carry it as a first order
 }
 
+TEST(FtPipeline, DcOffsetIsTakenFromTheTailAndSparesTheFilterDelay) {
+    auto doc = fid1D(1024, [](size_t m) { return std::complex<double>(m < 960 ? 5.0 : 2.0, 1.0); });
+    doc.matrix.dims[1].timeShift = -67.98f;
+    stepOf(doc, 1, 1024, ft_flags::kStopBeforeTransform | ft_flags::kSubtractDc);
+    transformNextDimension(doc);
+    const float scale = 32.0f / 1024.0f;
+    EXPECT_FLOAT_EQ(doc.matrix.re[66], 5.0f * scale);  // before the first point: untouched
+    EXPECT_FLOAT_EQ(doc.matrix.re[67], 3.0f * scale);  // the mean of the last 64 points is 2
+    EXPECT_FLOAT_EQ(doc.matrix.re[1000], 0.0f);
+    EXPECT_FLOAT_EQ(doc.matrix.im[500], 0.0f);
+
+    auto indirect = indirect2D(64, 4);
+    auto& step = stepOf(indirect, 1, 64, ft_flags::kStopBeforeTransform | ft_flags::kSubtractDc);
+    transformNextDimension(indirect);
+    EXPECT_FALSE(step.flags & ft_flags::kSubtractDc);  // only ever acts on the direct axis
+    EXPECT_FLOAT_EQ(indirect.matrix.re[1], re2D(1, 0) * 0.5f);
+}
+
+TEST(FtPipeline, RealTransformRunsUpwardUnlessConjugated) {
+    // 2n real samples of a cosine at 100 / 2n of the sampling rate, packed in n pairs.
+    const size_t n = 512;
+    auto cosine = [](size_t j) { return std::cos(2 * kPi * 100.0 * double(j) / 1024.0); };
+    auto packed = [&](size_t m) { return std::complex<double>(cosine(2 * m), cosine(2 * m + 1)); };
+    for (bool conjugate : {false, true}) {
+        auto doc = fid1D(n, packed);
+        stepOf(doc, 1, n, ft_flags::kRealFt | (conjugate ? ft_flags::kConjugate : 0));
+        transformNextDimension(doc);
+        const auto& m = doc.matrix;
+        size_t peak = 0;
+        for (size_t k = 1; k < n; ++k)
+            if (std::hypot(m.re[k], m.im[k]) > std::hypot(m.re[peak], m.im[peak])) peak = k;
+        EXPECT_EQ(peak, conjugate ? n - 100 : 100u);
+    }
+}
+
 TEST(FtPipeline, DeletingLeadingPointsClearsTheTimeShift) {
     auto doc = fid1D(64, [](size_t m) { return std::complex<double>(m, 0.0); });
     doc.matrix.dims[1].timeShift = -3.2f;
