@@ -57,7 +57,7 @@ int shuffle(lua_State* L) {
 }
 
 // The k-th argument sets the k-th weighting parameter and its presence bit; absent ones
-// are cleared, the low byte of the options stays.
+// are cleared, the low byte of the options stays. Out-of-range values are clamped.
 int weight(lua_State* L) {
     std::array<float, 6> values{};
     uint16_t present = 0;
@@ -71,6 +71,7 @@ int weight(lua_State* L) {
         FourierTransformStep& step = nextStep(*d);
         step.weights = values;
         step.flags = static_cast<uint16_t>((step.flags & 0x00ff) | present);
+        clampFourierTransformStep(step);  // into the ranges the dialog offers
     }
     return 0;
 }

@@ -93,6 +93,11 @@ TEST_F(ScriptHostTest, OptionCommandsSetTheNextTransformStep) {
     EXPECT_FLOAT_EQ(s.weights[kWeightGaussian], 0.0f);
     EXPECT_FLOAT_EQ(s.weights[kWeightSineBell], 90.0f);
     EXPECT_EQ(s.shuffling, Shuffling::EchoAntiEcho);
+    ASSERT_TRUE(run("weight(500, nil, -1e9, nil, 1000, 9)"));
+    EXPECT_FLOAT_EQ(step(d, 1).weights[kWeightExponential], 150.0f);
+    EXPECT_FLOAT_EQ(step(d, 1).weights[kWeightSineBell], -150.0f);
+    EXPECT_FLOAT_EQ(step(d, 1).weights[kWeightTruncation], 250.0f);
+    EXPECT_FLOAT_EQ(step(d, 1).weights[kWeightFirstPoint], 3.0f);
     ASSERT_TRUE(run("weight() shuffle(-1)"));
     EXPECT_EQ(step(d, 1).flags & ft_flags::kAnyWeighting, 0);
     EXPECT_EQ(step(d, 1).shuffling, Shuffling::None);
