@@ -145,7 +145,9 @@ std::optional<BaselineMessage> correctBaseline(SpectrumMatrix& m, int fIndex,
                                                const BaseplaneStep& settings) {
     if (!axisUsable(m, fIndex)) return std::nullopt;
     if (auto message = pointCountMessage(m.dims[fIndex], settings)) return message;
-    const auto [lo, n] = rowSpan(m.dims[fIndex], settings);
+    // Plain names: lambdas cannot capture structured bindings everywhere yet.
+    const auto span = rowSpan(m.dims[fIndex], settings);
+    const size_t lo = span.first, n = span.second;
     const bool polynomial = settings.function != 0;
     const int order = settings.order;
     const int w = std::clamp<int>(settings.movingAverage, 0, static_cast<int>(n / 2));
