@@ -14,7 +14,6 @@ namespace {
 namespace fs = std::filesystem;
 using plist::Value;
 
-constexpr int kNewSourceVersion = 141;
 constexpr const char* kCreator = "Zolt for Linux";
 constexpr size_t kMaxDocumentBytes = size_t{64} << 20;
 
