@@ -53,7 +53,9 @@ void expectLayout(const SpectrumMatrix& m, int contiguous) {
     EXPECT_EQ(m.contiguous, contiguous);
     forEachPoint(m, [&](const Index& at) {
         ASSERT_EQ(m.re[position(m, contiguous, at)], code(at));
-        if (!m.im.empty()) ASSERT_EQ(m.im[position(m, contiguous, at)], -code(at));
+        if (!m.im.empty()) {
+            ASSERT_EQ(m.im[position(m, contiguous, at)], -code(at));
+        }
     });
 }
 
