@@ -2,23 +2,15 @@
 
 #include <algorithm>
 #include <charconv>
-#include <filesystem>
 #include <ostream>
 #include <sstream>
 #include <utility>
 
+#include "app/document_opening.h"
 #include "cli/json_text.h"
-#include "io/bruker_reader.h"
-#include "io/format_recognition.h"
-#include "io/raw_loader.h"
-#include "io/source_completion.h"
 
 namespace zolt {
 namespace {
-
-std::string message(const char* caption, const std::string& text) {
-    return std::string(caption) + ": " + text;
-}
 
 std::vector<const char*> flagWords(uint32_t flags) {
     std::vector<const char*> words;
@@ -32,22 +24,13 @@ std::string atomOf(const DimensionRecord& d) {
     return atomText(d, buffer);
 }
 
-size_t shownPoints(const InfoDocument& doc, size_t wanted) {
+size_t shownPoints(const SpectrumDocument& doc, size_t wanted) {
     const SpectrumMatrix& m = doc.matrix;
     return std::min<size_t>(wanted, std::min<size_t>(m.dims[m.contiguous].points, m.re.size()));
 }
 
 float imaginaryAt(const SpectrumMatrix& m, size_t i) {
     return m.realOnly() ? 0.0f : m.im[i];
-}
-
-// The opener's completion of a freshly read source.
-void complete(SpectrumSource& s, FormatCode code) {
-    completeSource(s);
-    s.provenance = formatName(code);
-    using namespace source_flags;
-    const bool integers = s.numberType == NumberType::Long || s.numberType == NumberType::Short;
-    if (integers && !(s.flags & (kLittleEndian | kVarianBinary))) probeByteOrder(s);
 }
 
 }  // namespace
@@ -75,51 +58,16 @@ std::optional<InfoOptions> parseInfoArguments(const std::vector<std::string>& ar
     return o;
 }
 
-std::optional<InfoDocument> openForInfo(const std::string& path, bool processed,
-                                        std::string& failure) {
-    namespace fs = std::filesystem;
-    std::error_code ec;
-    // A folder is recognised by what lies inside it.
-    const std::string member =
-        fs::is_directory(path, ec) ? (fs::path(path) / "fid").string() : path;
-    FormatCode code = recognizeFormat(member);
-    const BrukerReadOptions options{.threeD = false, .processed = processed};
-    std::optional<BrukerRead> read;
-    switch (code) {
-        case FormatCode::Unknown:
-            failure = message(kReadErrorCaption, kUnknownFormatText);
-            return std::nullopt;
-        case FormatCode::MoleculeFile:
-            failure = message(kMoleculeFileCaption, kMoleculeFileText);
-            return std::nullopt;
-        case FormatCode::ParaVision:
-            read = readParaVision(path, options);
-            break;
-        case FormatCode::WinNmr:
-            read = readWinNmr(path);
-            break;
-        case FormatCode::Bruker:
-            read = readBrukerFolder(path, options);
-            break;
-        default:
-            // A document saved beside Bruker data still leads to the data.
-            read = readBrukerFolder(path, options);
-            if (read) code = FormatCode::Bruker;
-    }
-    if (!read) {
-        failure = message(kReadErrorCaption, incoherentFileText(code));
-        return std::nullopt;
-    }
-    complete(read->source, code);
-    auto matrix = loadMatrix(read->source);
-    if (!matrix) {
-        failure = message(kReadErrorCaption, kReadErrorText);
-        return std::nullopt;
-    }
-    return InfoDocument{std::move(read->source), std::move(read->metadata), std::move(*matrix)};
+Preferences infoPreferences(bool processed) {
+    Preferences prefs;
+    if (processed)
+        prefs.flags |= pref_flags::kReadProcessedData;
+    else
+        prefs.flags &= ~pref_flags::kReadProcessedData;
+    return prefs;
 }
 
-std::string infoJson(const std::string& path, const InfoDocument& doc, size_t points) {
+std::string infoJson(const std::string& path, const SpectrumDocument& doc, size_t points) {
     const SpectrumSource& s = doc.source;
     std::string j = "{\"path\":" + jsonString(path);
     j += ",\"format\":" + jsonString(s.provenance);
@@ -163,7 +111,7 @@ std::string infoJson(const std::string& path, const InfoDocument& doc, size_t po
     return j + "}";
 }
 
-std::string infoText(const std::string& path, const InfoDocument& doc, size_t points) {
+std::string infoText(const std::string& path, const SpectrumDocument& doc, size_t points) {
     const SpectrumSource& s = doc.source;
     std::ostringstream o;
     o << path << "\n";
@@ -210,12 +158,13 @@ int runInfoCommand(const std::vector<std::string>& args, std::ostream& out, std:
         err << kInfoUsage;
         return 2;
     }
+    const Preferences prefs = infoPreferences(options->processed);
     int status = 0;
     for (const auto& path : options->paths) {
-        std::string failure;
-        const auto doc = openForInfo(path, options->processed, failure);
+        OpenFailure failure;
+        const auto doc = readDocument(path, prefs, failure);
         if (!doc) {
-            err << failure << "\n";
+            err << failure.caption << ": " << failure.text << "\n";
             status = 1;
             continue;
         }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/preferences.h"
 #include "model/spectrum_document.h"
 
 namespace zolt {
@@ -36,19 +37,11 @@ struct InfoOptions {
 // nullopt for a malformed command line.
 std::optional<InfoOptions> parseInfoArguments(const std::vector<std::string>& args);
 
-// A data set as the info command reports it.
-struct InfoDocument {
-    SpectrumSource source;
-    SampleMetadata metadata;
-    SpectrumMatrix matrix;
-};
+// The preferences info opens with: the defaults, reading the processed data when asked.
+Preferences infoPreferences(bool processed);
 
-// The failure is "caption: text", the way the headless program shows a message box.
-std::optional<InfoDocument> openForInfo(const std::string& path, bool processed,
-                                        std::string& failure);
-
-std::string infoJson(const std::string& path, const InfoDocument& doc, size_t points);
-std::string infoText(const std::string& path, const InfoDocument& doc, size_t points);
+std::string infoJson(const std::string& path, const SpectrumDocument& doc, size_t points);
+std::string infoText(const std::string& path, const SpectrumDocument& doc, size_t points);
 
 // args: everything after "info". The exit status: 0, 1 when a path could not be read,
 // 2 for a malformed command line.

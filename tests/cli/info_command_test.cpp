@@ -172,6 +172,31 @@ TEST(InfoCommand, TwoDimensionalSetListsAxesInFIndexOrderAndEscapesItsTitle) {
     EXPECT_EQ(valueOf(j, "pulse_program"), "\"cosygpqf\"");
 }
 
+TEST(InfoCommand, ProcessedOptionReadsTheVendorSpectrumInsteadOfTheFid) {
+    const std::string folder = testdata::bruker("strychnine-1h");
+    const CliRun raw = runCli("info " + quoted(folder) + " --json");
+    ASSERT_EQ(raw.status, 0) << raw.err;
+    EXPECT_EQ(valueOf(raw.out, "time_domain_dimensions"), "1");
+    EXPECT_EQ(valueOf(raw.out, "points"), "40063");
+    EXPECT_NE(raw.out.find("\"flags\":[\"little endian\"]"), std::string::npos) << raw.out;
+
+    const CliRun r = runCli("info " + quoted(folder) + " --processed --json --points 3");
+    ASSERT_EQ(r.status, 0) << r.err;
+    const std::string& j = r.out;
+    EXPECT_NE(j.find("\"flags\":[\"little endian\",\"real only\"]"), std::string::npos) << j;
+    EXPECT_EQ(valueOf(j, "time_domain_dimensions"), "0");
+    EXPECT_EQ(valueOf(j, "points"), "131072");  // STSI of pdata/1/procs
+    const std::string r1 = testdata::readFile(folder + "/pdata/1/1r");
+    const auto numbers = pointNumbers(j);
+    ASSERT_EQ(numbers.size(), 6u);
+    for (size_t i = 0; i < 3; ++i) {
+        uint32_t word = 0;  // BYTORDP 0: little-endian
+        for (int b = 3; b >= 0; --b) word = (word << 8) | static_cast<unsigned char>(r1[4 * i + b]);
+        EXPECT_EQ(numbers[2 * i], static_cast<int32_t>(word)) << i;
+        EXPECT_EQ(numbers[2 * i + 1], 0.0) << i;  // real-only data
+    }
+}
+
 TEST(InfoCommand, ReadableSummaryNamesFormatAxesAndMetadata) {
     const CliRun r = runCli("info " + quoted(testdata::bruker("aspirin-1h")) + " --points 2");
     ASSERT_EQ(r.status, 0) << r.err;
