@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "app/document_opening.h"
+#include "document/document_file.h"
 
 namespace zolt {
 
@@ -23,6 +24,20 @@ SpectrumDocument& Application::addDocument(std::unique_ptr<SpectrumDocument> doc
 void Application::closeDocument(SpectrumDocument& document) {
     std::erase_if(documents_, [&](const auto& d) { return d.get() == &document; });
     if (host_) host_->rebuildTargets();
+}
+
+bool Application::save(SpectrumDocument& document) {
+    if (document.source.numberType == NumberType::NoData) return true;
+    const std::string path =
+        document.documentPath.empty() ? documentPathFor(document) : document.documentPath;
+    const SaveResult r = saveDocument(document, path, preferences_.has(pref_flags::kDoBackUp));
+    if (!r.ok) {
+        platform_.messageBox(r.caption, r.text);
+        return false;
+    }
+    document.documentPath = path;
+    document.flags &= ~document_flags::kModified;
+    return true;
 }
 
 ScriptHost& Application::scriptHost() {

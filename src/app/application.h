@@ -32,6 +32,9 @@ public:
     // The document becomes the front one.
     SpectrumDocument& addDocument(std::unique_ptr<SpectrumDocument> document);
     void closeDocument(SpectrumDocument& document);
+    // Saves in place: the document file it came from, or the raw file's name with ".zolt";
+    // failures are shown through the platform.
+    bool save(SpectrumDocument& document);
 
     // Created on first use (running "Lua.init"); closing it drops its log and history.
     ScriptHost& scriptHost();

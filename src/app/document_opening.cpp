@@ -2,6 +2,8 @@
 
 #include <filesystem>
 
+#include "document/document_file.h"
+#include "document/processing_replay.h"
 #include "io/bruker_reader.h"
 #include "io/format_recognition.h"
 #include "io/raw_loader.h"
@@ -19,7 +21,14 @@ constexpr int kMaxFolderDepth = 8;
 
 bool readable(FormatCode code) {
     return code == FormatCode::Bruker || code == FormatCode::ParaVision ||
-           code == FormatCode::WinNmr;
+           code == FormatCode::WinNmr || code == FormatCode::Zolt;
+}
+
+// A data file whose saved document lies beside it is opened through that document.
+bool hasCompanionDocument(const fs::path& p) {
+    std::error_code ec;
+    return p.extension() != ".zolt" &&
+           fs::exists(p.parent_path() / (p.filename().string() + ".zolt"), ec);
 }
 
 std::optional<BrukerRead> readAs(FormatCode code, const std::string& path,
@@ -44,7 +53,7 @@ bool walk(const fs::path& folder, int depth, const std::function<bool(const std:
             } else if (depth < kMaxFolderDepth && !walk(p, depth + 1, visit)) {
                 return false;
             }
-        } else if (readable(recognizeFormat(p.string()))) {
+        } else if (!hasCompanionDocument(p) && readable(recognizeFormat(p.string()))) {
             // One data set per folder: its other files name the same data.
             if (!visit(p.string())) return false;
             if (isDataSetFolder(folder.string())) return true;
@@ -53,11 +62,60 @@ bool walk(const fs::path& folder, int depth, const std::function<bool(const std:
     return true;
 }
 
+// The file that stands for an experiment folder: its FID, or its ser file for 2-D and 3-D.
+std::string dataFileOf(const std::string& folder) {
+    std::error_code ec;
+    const fs::path ser = fs::path(folder) / "ser";
+    if (!fs::exists(fs::path(folder) / "fid", ec) && fs::exists(ser, ec)) return ser.string();
+    return (fs::path(folder) / "fid").string();
+}
+
+// The document file a path recognised as a document leads to: the path itself, its companion
+// document, the folder's plist.zolt, or the one kept with the processed data.
+std::string documentFileFor(const fs::path& path, const RecognitionOptions& recognition) {
+    std::error_code ec;
+    if (path.extension() == ".zolt") return path.string();
+    const fs::path companion = path.parent_path() / (path.filename().string() + ".zolt");
+    if (fs::exists(companion, ec)) return companion.string();
+    const fs::path folderDocument = path.parent_path() / "plist.zolt";
+    if (fs::exists(folderDocument, ec)) return folderDocument.string();
+    const fs::path processed = path.parent_path() / "pdata" / "1" / "plist.zolt";
+    if (recognition.preferProcessedDocuments && fs::exists(processed, ec))
+        return processed.string();
+    return path.string();
+}
+
+// A saved document: its raw data read again and, unless the plan is only to be shown, its
+// processing replayed.
+std::unique_ptr<SpectrumDocument> readSavedDocument(const std::string& path,
+                                                    const RecognitionOptions& recognition,
+                                                    const Preferences& prefs,
+                                                    OpenFailure& failure) {
+    const std::string documentPath = documentFileFor(fs::path(path), recognition);
+    DocumentRead read = readDocumentFile(documentPath);
+    if (!read.document) {
+        failure = {read.caption, read.text};
+        return nullptr;
+    }
+    std::unique_ptr<SpectrumDocument> doc = std::move(read.document);
+    auto matrix = loadMatrix(doc->source);
+    if (!matrix) {
+        failure = {kReadErrorCaption, kReadErrorText};
+        return nullptr;
+    }
+    doc->matrix = std::move(*matrix);
+    doc->documentPath = documentPath;
+    doc->windowName = windowNameFor(doc->source);
+    replayProcessing(*doc, !prefs.has(pref_flags::kShowPlan));
+    addDefaultFourierTransformSteps(*doc);
+    return doc;
+}
+
 }  // namespace
 
 bool isDataSetFolder(const std::string& path) {
     std::error_code ec;
-    for (const char* name : {"acqus", "acqp"})
+    for (const char* name : {"acqus", "acqp", "plist.zolt"})
         if (fs::exists(fs::path(path) / name, ec)) return true;
     return false;
 }
@@ -66,8 +124,7 @@ std::unique_ptr<SpectrumDocument> readDocument(const std::string& path, const Pr
                                                OpenFailure& failure) {
     std::error_code ec;
     // A folder is recognised by what lies inside it.
-    const std::string member =
-        fs::is_directory(path, ec) ? (fs::path(path) / "fid").string() : path;
+    const std::string member = fs::is_directory(path, ec) ? dataFileOf(path) : path;
     RecognitionOptions recognition;
     recognition.preferProcessedDocuments = prefs.has(pref_flags::kReadProcessedData);
     FormatCode code = recognizeFormat(member, recognition);
@@ -75,8 +132,7 @@ std::unique_ptr<SpectrumDocument> readDocument(const std::string& path, const Pr
         failure = {kMoleculeFileCaption, kMoleculeFileText};
         return nullptr;
     }
-    if (code == FormatCode::Zolt && isDataSetFolder(fs::path(member).parent_path().string()))
-        code = FormatCode::Bruker;  // a document saved beside the data still leads to them
+    if (code == FormatCode::Zolt) return readSavedDocument(member, recognition, prefs, failure);
     if (!readable(code)) {
         failure = {kReadErrorCaption, kUnknownFormatText};
         return nullptr;
@@ -84,6 +140,11 @@ std::unique_ptr<SpectrumDocument> readDocument(const std::string& path, const Pr
     BrukerReadOptions options;
     options.processed = prefs.has(pref_flags::kReadProcessedData);
     auto read = readAs(code, path, options);
+    if (!read && !options.processed) {
+        // An experiment kept without its FID still shows its processed spectrum.
+        options.processed = true;
+        read = readAs(code, path, options);
+    }
     if (!read) {
         failure = {kReadErrorCaption, incoherentFileText(code)};
         return nullptr;

@@ -31,6 +31,8 @@ std::optional<RunOptions> parseRunArguments(const std::vector<std::string>& args
         const std::string& a = args[i];
         if (a == "--help" || a == "-h") {
             o.help = true;
+        } else if (a == "--save") {
+            o.save = true;
         } else if (a == "-e") {
             if (++i == args.size()) return std::nullopt;
             o.items.push_back({false, args[i]});
@@ -66,6 +68,9 @@ int runInApplication(Application& app, const RunOptions& options, std::ostream& 
         const std::string name = std::filesystem::path(item.text).stem().string();
         if (!host.runChunk(*text, name)) status = 1;
     }
+    if (options.save)
+        for (SpectrumDocument* doc : app.documents())
+            if (!app.save(*doc)) status = 1;
     return status;
 }
 

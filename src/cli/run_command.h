@@ -21,6 +21,7 @@ inline constexpr const char* kRunUsage =
     "\n"
     "  -e CHUNK    Lua text to run (chunk name \"input\")\n"
     "  SCRIPT.lua  a script file to run (chunk name: its base name)\n"
+    "  --save      at the end, save every open document in place (beside its data)\n"
     "\n"
     "Exit status: 0; 1 when a chunk or script raised an error or a path could not be opened;\n"
     "2 for a malformed command line.\n";
@@ -34,6 +35,7 @@ struct RunOptions {
     std::vector<RunItem> items;
     std::vector<std::string> paths;
     bool help = false;
+    bool save = false;  // save every open document in place at the end
 };
 
 // nullopt for a malformed command line.

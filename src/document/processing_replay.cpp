@@ -15,11 +15,15 @@ int rawHighestTIndex(int savedTIndex, uint32_t doneMask) {
     return t;
 }
 
-std::optional<ReplayMessage> replayProcessing(SpectrumDocument& doc) {
+std::optional<ReplayMessage> replayProcessing(SpectrumDocument& doc, bool run) {
     ProcessingRecord saved = std::move(doc.processing);
     doc.processing = {};
     doc.source.highestTIndex =
         static_cast<int8_t>(rawHighestTIndex(doc.source.highestTIndex, saved.doneMask));
+    if (!run) {
+        doc.processing.steps = std::move(saved.steps);
+        return std::nullopt;
+    }
 
     // Transform steps are the preferences of their dimension: they go back first.
     for (const ProcessingStep& step : saved.steps)

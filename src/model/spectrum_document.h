@@ -46,6 +46,8 @@ struct SpectrumDocument {
     int readWithVersion = 141;
     bool writtenByNewerVersion = false;
     std::string windowName;
+    // The document file it was opened from or last saved to; empty for a new document.
+    std::string documentPath;
     uint32_t flags = 0;  // document_flags
 };
 

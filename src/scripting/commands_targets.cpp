@@ -1,12 +1,23 @@
 // Which documents the commands act upon, and opening documents.
 #include <filesystem>
 
+#include "document/document_file.h"
+#include "document/folder_export.h"
 #include "scripting/commands.h"
 #include "scripting/script_args.h"
 
 namespace zolt {
 
 namespace {
+
+int export_(lua_State* L) {
+    const char* folder = luaL_checkstring(L, 1);
+    ScriptHost& h = host(L);
+    if (h.targets().empty()) return 0;
+    if (!exportPackage(*h.targets().front(), folder))
+        h.context().message(kSystemErrorCaption, kSystemErrorText);
+    return 0;
+}
 
 int forall(lua_State* L) {
     ScriptHost& h = host(L);
@@ -61,8 +72,8 @@ int reload(lua_State* L) {
 }  // namespace
 
 const luaL_Reg kTargetCommands[] = {
-    {"forall", forall}, {"next_window", next_window}, {"open", open},
-    {"reload", reload}, {"target", target},           {nullptr, nullptr},
+    {"export", export_}, {"forall", forall}, {"next_window", next_window}, {"open", open},
+    {"reload", reload},  {"target", target}, {nullptr, nullptr},
 };
 
 }  // namespace zolt

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -38,12 +39,17 @@ TEST(Application, AFolderOpensEveryDataSetInside) {
     testing::RecordingPlatform platform;
     Application app(platform);
     EXPECT_EQ(app.open(testdata::root() + "/bruker/cyclosporin_hsqc"), 1);
-    // The processed-only set has no raw data to read: it is reported, the others open.
-    EXPECT_EQ(app.open(testdata::root() + "/bruker"), 11);
-    EXPECT_EQ(app.documentList().size(), 12u);
-    ASSERT_EQ(platform.boxes.size(), 1u);
-    EXPECT_EQ(platform.boxes[0].caption, "Failed to Read the file");
-    EXPECT_EQ(platform.boxes[0].text, "This Bruker file seems incoherent");
+    // Every experiment opens, the one kept without its FID as its processed spectrum.
+    EXPECT_EQ(app.open(testdata::root() + "/bruker"), 12);
+    EXPECT_EQ(app.documentList().size(), 13u);
+    EXPECT_TRUE(platform.boxes.empty());
+    const auto processed =
+        std::find_if(app.documentList().begin(), app.documentList().end(), [](const auto& d) {
+            return d->source.rawPath.find("aspirin-1h-processed") != std::string::npos;
+        });
+    ASSERT_NE(processed, app.documentList().end());
+    EXPECT_EQ((*processed)->source.highestTIndex, 0);
+    EXPECT_TRUE((*processed)->matrix.realOnly());
 }
 
 TEST(Application, OpeningReportsWhatFails) {

@@ -1,0 +1,215 @@
+// Saving documents in place and opening them again: the raw data are read anew and the saved
+// processing is replayed.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+
+#include "app/application.h"
+#include "app/recording_platform.h"
+#include "processing/auto_phase.h"
+#include "processing/baseline.h"
+#include "processing/ft_pipeline.h"
+#include "test_data.h"
+
+namespace zolt {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A private copy of a test experiment: saving writes beside the data.
+std::string copyOf(const std::string& name) {
+    const std::string dir = testdata::freshTempDir("persist") + "/" + name;
+    fs::copy(testdata::bruker(name), dir, fs::copy_options::recursive);
+    return dir;
+}
+
+double maxAbs(const std::vector<float>& v) {
+    double m = 0.0;
+    for (float x : v) m = std::max(m, std::fabs(double{x}));
+    return m;
+}
+
+// Same layout, and every value within the rounding of 32-bit arithmetic relative to the
+// largest one (phases applied in one step instead of several round differently).
+void expectSameMatrix(const SpectrumMatrix& a, const SpectrumMatrix& b, double tolerance) {
+    ASSERT_EQ(a.re.size(), b.re.size());
+    ASSERT_EQ(a.im.size(), b.im.size());
+    EXPECT_EQ(a.contiguous, b.contiguous);
+    EXPECT_EQ(a.state, b.state);
+    for (int f = 0; f <= 3; ++f) EXPECT_EQ(a.dims[f].points, b.dims[f].points) << f;
+    const double scale = maxAbs(a.re);
+    size_t worst = 0;
+    double worstDiff = 0.0;
+    for (size_t i = 0; i < a.re.size(); ++i) {
+        const double d = std::fabs(double{a.re[i]} - b.re[i]);
+        if (d > worstDiff) worstDiff = d, worst = i;
+    }
+    EXPECT_LE(worstDiff, tolerance * scale) << "at " << worst;
+    for (size_t i = 0; i < a.im.size(); ++i)
+        ASSERT_LE(std::fabs(double{a.im[i]} - b.im[i]), tolerance * scale) << i;
+}
+
+class DocumentPersistence : public ::testing::Test {
+protected:
+    testing::RecordingPlatform platform;
+};
+
+TEST_F(DocumentPersistence, TransformedAspirinReopensValueForValue) {
+    const std::string dir = copyOf("aspirin-1h");
+    SpectrumMatrix before;
+    {
+        Application app(platform);
+        ASSERT_EQ(app.open(dir), 1);
+        SpectrumDocument& doc = *app.frontDocument();
+        ASSERT_EQ(transformNextDimension(doc).outcome, FtOutcome::Transformed);
+        before = doc.matrix;
+        ASSERT_TRUE(app.save(doc));
+        EXPECT_EQ(doc.documentPath, dir + "/fid.zolt");
+    }
+    Application app(platform);
+    ASSERT_EQ(app.open(dir), 1);
+    const SpectrumDocument& doc = *app.frontDocument();
+    EXPECT_EQ(doc.source.highestTIndex, 0);
+    EXPECT_EQ(doc.processing.doneMask & done_mask::transformed(1), done_mask::transformed(1));
+    expectSameMatrix(before, doc.matrix, 0.0);
+    EXPECT_TRUE(platform.boxes.empty());
+}
+
+TEST_F(DocumentPersistence, PhasedAndFlattenedAspirinReopensTheSame) {
+    const std::string dir = copyOf("aspirin-1h");
+    SpectrumMatrix before;
+    std::string savedText;
+    {
+        Application app(platform);
+        ASSERT_EQ(app.open(dir), 1);
+        SpectrumDocument& doc = *app.frontDocument();
+        transformNextDimension(doc);
+        ASSERT_TRUE(autoPhase(doc.matrix, doc.source.highestTIndex));
+        BaseplaneStep poly;
+        poly.function = 1;
+        poly.order = 7;
+        poly.movingAverage = 64;
+        ASSERT_FALSE(correctBaseline(doc, 1, poly));
+        before = doc.matrix;
+        ASSERT_TRUE(app.save(doc));
+        savedText = testdata::readFile(dir + "/fid.zolt");
+    }
+    Application app(platform);
+    ASSERT_EQ(app.open(dir + "/fid"), 1);
+    expectSameMatrix(before, app.frontDocument()->matrix, 1e-5);
+    // Saving the reopened document writes the same file.
+    ASSERT_TRUE(app.save(*app.frontDocument()));
+    EXPECT_EQ(testdata::readFile(dir + "/fid.zolt"), savedText);
+}
+
+TEST_F(DocumentPersistence, TransformedHsqcReopensTheSame) {
+    const std::string dir = copyOf("cyclosporin-hsqc");
+    SpectrumMatrix before;
+    {
+        Application app(platform);
+        ASSERT_EQ(app.open(dir), 1);
+        SpectrumDocument& doc = *app.frontDocument();
+        ASSERT_EQ(transformNextDimension(doc).outcome, FtOutcome::Transformed);
+        ASSERT_EQ(transformNextDimension(doc).outcome, FtOutcome::Transformed);
+        ASSERT_TRUE(autoPhase2D(doc.matrix, doc.source.highestTIndex));
+        before = doc.matrix;
+        ASSERT_TRUE(app.save(doc));
+        EXPECT_TRUE(fs::exists(dir + "/ser.zolt"));
+    }
+    Application app(platform);
+    ASSERT_EQ(app.open(dir), 1);
+    EXPECT_EQ(app.frontDocument()->source.highestTIndex, 0);
+    expectSameMatrix(before, app.frontDocument()->matrix, 1e-5);
+}
+
+TEST_F(DocumentPersistence, ShowPlanKeepsTheRawDataAndThePlan) {
+    const std::string dir = copyOf("aspirin-1h");
+    uint32_t ftSize = 0;
+    {
+        Application app(platform);
+        ASSERT_EQ(app.open(dir), 1);
+        SpectrumDocument& doc = *app.frontDocument();
+        ASSERT_TRUE(app.scriptHost().runChunk("fill(65536) weight(0.3)", "input"));
+        transformNextDimension(doc);
+        ftSize = std::get<FourierTransformStep>(doc.processing.steps[0].data).ftSize;
+        ASSERT_TRUE(app.save(doc));
+    }
+    Preferences prefs;
+    prefs.flags |= pref_flags::kShowPlan;
+    Application app(platform, prefs);
+    ASSERT_EQ(app.open(dir), 1);
+    SpectrumDocument& doc = *app.frontDocument();
+    EXPECT_EQ(doc.source.highestTIndex, 1);
+    EXPECT_EQ(doc.processing.doneMask, 0u);
+    EXPECT_EQ(doc.matrix.dims[1].points, doc.source.dims[1].points);
+    ASSERT_EQ(ftSize, 65536u);
+    EXPECT_EQ(std::get<FourierTransformStep>(doc.processing.steps[0].data).ftSize, 65536u);
+    // The plan can still be carried out.
+    EXPECT_EQ(transformNextDimension(doc).outcome, FtOutcome::Transformed);
+    EXPECT_EQ(doc.matrix.dims[1].points, 65536u);
+}
+
+TEST_F(DocumentPersistence, ExportedPackageOpensAsADocument) {
+    const std::string dir = copyOf("cyclosporin-cosy");
+    const std::string package = fs::path(dir).parent_path().string() + "/exported/cosy";
+    SpectrumMatrix before;
+    {
+        Application app(platform);
+        ASSERT_EQ(app.open(dir), 1);
+        ASSERT_TRUE(app.scriptHost().runChunk("wft() wft() export('" + package + "')", "input"));
+        before = app.frontDocument()->matrix;
+    }
+    EXPECT_TRUE(fs::exists(package + "/data"));
+    EXPECT_TRUE(fs::exists(package + "/plist.zolt"));
+    Application app(platform);
+    ASSERT_EQ(app.open(package), 1);
+    const SpectrumMatrix& after = app.frontDocument()->matrix;
+    EXPECT_EQ(app.frontDocument()->source.highestTIndex, 0);
+    EXPECT_EQ(app.frontDocument()->source.provenance, "Bruker");
+    // The package holds the first hypercomplex half with the direct axis contiguous.
+    EXPECT_EQ(after.dims[1].points, before.dims[1].points);
+    EXPECT_EQ(after.dims[2].points, before.dims[2].points);
+    ASSERT_EQ(after.re.size(), before.dims[1].points * size_t{before.dims[2].points});
+    // The tallest point is the same value at the same (row, column).
+    const auto tallest = [](const std::vector<float>& v, size_t count) {
+        return std::max_element(v.begin(), v.begin() + count) - v.begin();
+    };
+    const size_t n2 = before.dims[2].points, n1 = before.dims[1].points;
+    const size_t at = tallest(after.re, after.re.size());
+    const size_t row = at / n2, col = at % n2;
+    const size_t beforeIndex = before.contiguous == 2 ? row * n2 + col : col * n1 + row;
+    EXPECT_EQ(after.re[at], before.re[beforeIndex]);
+    EXPECT_TRUE(platform.boxes.empty());
+    // A folder walk finds the package once.
+    Application walker(platform);
+    EXPECT_EQ(walker.open(fs::path(package).parent_path().string()), 1);
+}
+
+TEST_F(DocumentPersistence, ExportIntoAFolderThatCannotBeMadeReportsIt) {
+    const std::string dir = copyOf("aspirin-1h");
+    Application app(platform);
+    ASSERT_EQ(app.open(dir), 1);
+    ASSERT_TRUE(app.scriptHost().runChunk("wft() export('" + dir + "/fid/inside')", "input"));
+    ASSERT_EQ(platform.boxes.size(), 1u);
+    EXPECT_EQ(platform.boxes[0].caption, "There was a System Error");
+    EXPECT_EQ(platform.boxes[0].text, "Failed to Create the File");
+}
+
+TEST_F(DocumentPersistence, CliRunSavesEveryDocumentInPlace) {
+    const std::string dir = copyOf("aspirin-1h");
+    const std::string command =
+        testdata::cliPath() + " run -e 'wft()' --save '" + dir + "' > /dev/null 2>&1";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    ASSERT_TRUE(fs::exists(dir + "/fid.zolt"));
+    Application app(platform);
+    ASSERT_EQ(app.open(dir), 1);
+    EXPECT_EQ(app.frontDocument()->source.highestTIndex, 0);
+    EXPECT_EQ(app.frontDocument()->processing.doneMask & done_mask::transformed(1),
+              done_mask::transformed(1));
+}
+
+}  // namespace
+}  // namespace zolt
