@@ -11,20 +11,23 @@ namespace {
 // Like Lua's own print, but the line goes to the console's message line and log.
 int print(lua_State* L) {
     const int n = lua_gettop(L);
-    std::string line;
+    // A Lua buffer, not a std::string: tostring may raise an error, which skips destructors.
+    luaL_Buffer b;
     lua_getglobal(L, "tostring");
+    luaL_buffinit(L, &b);
     for (int i = 1; i <= n; ++i) {
-        lua_pushvalue(L, -1);
+        lua_pushvalue(L, n + 1);
         lua_pushvalue(L, i);
         lua_call(L, 1, 1);
-        size_t length = 0;
-        const char* s = lua_tolstring(L, -1, &length);
-        if (!s)
+        if (!lua_isstring(L, -1))
             return luaL_error(L, LUA_QL("tostring") " must return a string to " LUA_QL("print"));
-        if (i > 1) line += '\t';
-        line.append(s, length);
-        lua_pop(L, 1);
+        if (i > 1) luaL_addchar(&b, '\t');
+        luaL_addvalue(&b);
     }
+    luaL_pushresult(&b);
+    size_t length = 0;
+    const char* text = lua_tolstring(L, -1, &length);
+    const std::string line(text, length);
     ScriptHost& h = host(L);
     h.setMessageLine(line);
     h.appendLog(line);
@@ -58,11 +61,15 @@ int copylog(lua_State* L) {
 // dofile on the scripts folder's "<name>.lua": errors travel on to the caller's chunk.
 int run(lua_State* L) {
     const char* name = luaL_checkstring(L, 1);
-    const std::string folder = host(L).context().scriptsFolder();
-    const std::string path =
-        (std::filesystem::path(folder) / (std::string(name) + ".lua")).string();
+    {
+        // No C++ object may be alive when Lua raises an error: its destructor would never run.
+        const std::string folder = host(L).context().scriptsFolder();
+        const std::string path =
+            (std::filesystem::path(folder) / (std::string(name) + ".lua")).string();
+        lua_pushstring(L, path.c_str());
+    }
     const int base = lua_gettop(L);
-    if (luaL_loadfile(L, path.c_str()) != 0) return lua_error(L);
+    if (luaL_loadfile(L, lua_tostring(L, -1)) != 0) return lua_error(L);
     lua_call(L, 0, LUA_MULTRET);
     return lua_gettop(L) - base;
 }
