@@ -60,6 +60,8 @@ std::optional<InfoOptions> parseInfoArguments(const std::vector<std::string>& ar
 
 Preferences infoPreferences(bool processed) {
     Preferences prefs;
+    // A saved processing plan is only shown, never run: info reports the data as stored.
+    prefs.flags |= pref_flags::kShowPlan;
     if (processed)
         prefs.flags |= pref_flags::kReadProcessedData;
     else

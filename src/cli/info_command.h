@@ -37,7 +37,8 @@ struct InfoOptions {
 // nullopt for a malformed command line.
 std::optional<InfoOptions> parseInfoArguments(const std::vector<std::string>& args);
 
-// The preferences info opens with: the defaults, reading the processed data when asked.
+// The preferences info opens with: the defaults, saved processing not replayed, and the
+// processed data read when asked.
 Preferences infoPreferences(bool processed);
 
 std::string infoJson(const std::string& path, const SpectrumDocument& doc, size_t points);
