@@ -105,6 +105,11 @@ void applyPhase(SpectrumMatrix& m, int fIndex, double phaseA, double phaseB) {
     phasePairs(m.re.data(), m.im.data(), w, total, phaseA, phaseB);
 }
 
+void applyPhaseToRow(float* re, float* im, size_t n, double phaseA, double phaseB) {
+    if (!re || !im || n == 0 || !std::isfinite(phaseA) || !std::isfinite(phaseB)) return;
+    phasePairs(re, im, AxisWalk{n, 1, 1}, n, phaseA, phaseB);
+}
+
 float wrapPhase(double phase0) {
     if (!std::isfinite(phase0)) return 0.0f;
     constexpr double pi = std::numbers::pi;

@@ -15,6 +15,9 @@ namespace zolt {
 // (re[p], re[p + half]) and (im[p], im[p + half]) in place, with no rearrangement.
 void applyPhase(SpectrumMatrix& m, int fIndex, double phaseA, double phaseB);
 
+// The same rotation on one complex row of n points (no hypercomplex arrangement).
+void applyPhaseToRow(float* re, float* im, size_t n, double phaseA, double phaseB);
+
 // phase0 brought into -pi ... pi by whole turns.
 float wrapPhase(double phase0);
 

@@ -4,7 +4,8 @@ namespace zolt {
 
 const std::vector<const luaL_Reg*>& commandGroups() {
     static const std::vector<const luaL_Reg*> groups = {
-        kConsoleCommands, kTargetCommands, kDocumentCommands, kDataCommands, kTransformCommands,
+        kConsoleCommands, kTargetCommands,    kDocumentCommands,
+        kDataCommands,    kTransformCommands, kPhaseBaselineCommands,
     };
     return groups;
 }

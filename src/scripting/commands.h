@@ -11,6 +11,7 @@ extern const luaL_Reg kTargetCommands[];
 extern const luaL_Reg kDocumentCommands[];
 extern const luaL_Reg kDataCommands[];
 extern const luaL_Reg kTransformCommands[];
+extern const luaL_Reg kPhaseBaselineCommands[];
 
 // Every group, in registration order.
 const std::vector<const luaL_Reg*>& commandGroups();
