@@ -304,6 +304,9 @@ AutoPhaseResult estimatePhase(const float* re, const float* im, size_t n,
     // The data's own minima stand for the first costs: the unrotated real part for (0, 0), the
     // imaginary part, which is the real part turned by -pi/2, for the second vertex. An
     // all-positive real part thus costs 0 at once and the search stops without a change.
+    // Paired the other way round (the imaginary minimum for (0, 0)), the search believes the
+    // quarter turn to be as good as the data and settles on it: a phased spectrum would be
+    // turned into dispersion.
     plan.shortcut = true;
     plan.shortcut0 = -double{lowestRe};
     plan.shortcut1 = -double{lowestIm};

@@ -9,14 +9,13 @@
 #include "io/bruker_reader.h"
 #include "io/raw_loader.h"
 #include "processing/baseline.h"
-#include "processing/fft.h"
+#include "processing/ft_defaults.h"
+#include "processing/ft_pipeline.h"
 #include "processing/phase.h"
 #include "test_data.h"
 
 namespace zolt {
 namespace {
-
-constexpr double kPi = std::numbers::pi;
 
 struct Line {
     double centre, height, halfWidth;
@@ -228,32 +227,29 @@ TEST(AutoPhase2D, EditedPlaneComesOutAbsorptiveAndUpright) {
     EXPECT_FALSE(autoPhase2D(plain, 0).has_value());
 }
 
-// A 1-D FID read, weighted (exponential, lb Hz), zero-filled to size, transformed with the
-// quadrature shift and given the digital-filter compensation, as the transform leaves it.
-std::optional<SpectrumMatrix> transformed(const std::string& name, size_t size, double lb) {
+// A 1-D FID read and transformed by the pipeline with the given size and exponential
+// broadening; the stored phase is cleared so that only the filter delay is compensated.
+std::optional<SpectrumMatrix> transformed(const std::string& name, uint32_t size, float lb) {
     const auto read = readBrukerFolder(testdata::bruker(name));
     if (!read) return std::nullopt;
     auto m = loadMatrix(read->source);
     if (!m || m->im.empty()) return std::nullopt;
-    const size_t n = std::min<size_t>(m->dims[1].points, size);
-    const double hz = spectralWidthHz(m->dims[1]);
-    for (size_t k = 0; k < n; ++k) {
-        const double w = std::exp(-kPi * lb * k / hz) * ((k & 1) ? -1.0 : 1.0);
-        m->re[k] = static_cast<float>(m->re[k] * w);
-        m->im[k] = static_cast<float>(m->im[k] * w);
-    }
-    m->re.resize(size);
-    m->im.resize(size);
-    std::fill(m->re.begin() + n, m->re.end(), 0.0f);
-    std::fill(m->im.begin() + n, m->im.end(), 0.0f);
-    m->dims[1].points = static_cast<uint32_t>(size);
-    fft(m->re.data(), m->im.data(), size, 1);
-    applyPhase(*m, 1, 0.0, 2.0 * kPi * m->dims[1].timeShift);
-    return m;
+    SpectrumDocument doc;
+    doc.source = read->source;
+    doc.matrix = std::move(*m);
+    addDefaultFourierTransformSteps(doc);
+    FourierTransformStep* step = findFourierTransformStep(doc.processing, 1);
+    if (!step) return std::nullopt;
+    step->ftSize = size;
+    step->weights[kWeightExponential] = lb;
+    step->flags |= ft_flags::kExponential | ft_flags::kApplyWeights;
+    doc.matrix.dims[1].phase0 = doc.matrix.dims[1].phase1 = 0.0f;
+    if (transformNextDimension(doc).outcome != FtOutcome::Transformed) return std::nullopt;
+    return std::move(doc.matrix);
 }
 
 TEST(AutoPhaseRealData, AspirinMatchesTheVendorProcessedSpectrum) {
-    auto m = transformed("aspirin-1h", 32768, 0.3);  // the vendor's size and broadening
+    auto m = transformed("aspirin-1h", 32768, 0.3f);  // the vendor's size and broadening
     ASSERT_TRUE(m.has_value());
     BrukerReadOptions processed;
     processed.processed = true;
@@ -269,7 +265,7 @@ TEST(AutoPhaseRealData, AspirinMatchesTheVendorProcessedSpectrum) {
 
 TEST(AutoPhaseRealData, ProtonSpectraEndWithLittleNegativeArea) {
     for (const char* name : {"aspirin-1h", "strychnine-1h", "cyclosporin-1h"}) {
-        auto m = transformed(name, 65536, 0.3);
+        auto m = transformed(name, 65536, 0.3f);
         ASSERT_TRUE(m.has_value()) << name;
         ASSERT_TRUE(autoPhase(*m, 0).has_value());
         BaseplaneStep poly;
