@@ -14,6 +14,7 @@ namespace {
 
 using namespace source_flags;
 namespace fs = std::filesystem;
+using Parameters = std::map<std::string, std::string>;
 
 std::optional<BrukerRead> readSet(const std::string& name, BrukerReadOptions options = {}) {
     return readBrukerFolder(testdata::bruker(name), options);
@@ -30,14 +31,12 @@ void writeFile(const std::string& path, const std::string& content) {
 }
 
 // A parameter file as the spectrometer writes it: a header, a stamp, sorted parameters.
-std::string parameterFile(const std::map<std::string, std::string>& values) {
+std::string parameterFile(const Parameters& values) {
     std::string text =
         "##TITLE= Parameter file\n##JCAMPDX= 5.0\n$$ 2021-05-04 09:08:07.123 +0200  me@av\n";
     for (const auto& [key, value] : values) text += "##$" + key + "= " + value + "\n";
     return text + "##END=\n";
 }
-
-using Parameters = std::map<std::string, std::string>;
 
 Parameters protonAxis(const std::string& td) {
     return {{"AQ_mod", "3"},       {"DSPFVS", "20"},       {"GRPDLY", "68"}, {"NUC1", "<1H>"},
@@ -45,48 +44,61 @@ Parameters protonAxis(const std::string& td) {
             {"PULPROG", "<zg30>"}, {"SOLVENT", "<CDCl3>"}, {"FnMODE", "0"}};
 }
 
-// An experiment folder with an acqus and an FID of `fidBytes` bytes.
-std::string oneDimensional(const Parameters& acqus, size_t fidBytes) {
-    const std::string dir = testdata::freshTempDir("bruker1d");
+// An experiment folder: acqus and an fid, or with acqu2s a ser, of `rawBytes` zero bytes.
+std::string oneDimensional(const Parameters& acqus, size_t rawBytes,
+                           const Parameters* acqu2s = nullptr) {
+    const std::string dir = testdata::freshTempDir("bruker");
     writeFile(dir + "/acqus", parameterFile(acqus));
-    writeFile(dir + "/fid", std::string(fidBytes, '\0'));
+    if (acqu2s) writeFile(dir + "/acqu2s", parameterFile(*acqu2s));
+    writeFile(dir + (acqu2s ? "/ser" : "/fid"), std::string(rawBytes, '\0'));
     return dir;
 }
 
 std::string twoDimensional(const Parameters& acqus, const Parameters& acqu2s, size_t serBytes) {
-    const std::string dir = testdata::freshTempDir("bruker2d");
-    writeFile(dir + "/acqus", parameterFile(acqus));
-    writeFile(dir + "/acqu2s", parameterFile(acqu2s));
-    writeFile(dir + "/ser", std::string(serBytes, '\0'));
-    return dir;
+    return oneDimensional(acqus, serBytes, &acqu2s);
 }
 
-TEST(BrukerReaderData, AspirinIsBigEndianWithTheTabulatedFilterDelay) {
+TEST(BrukerReaderData, OneDimensionalSetsFollowTheirParameterFiles) {
+    struct Expected {
+        const char* name;
+        uint32_t points;
+        double width, lowest, carrier, shift;
+        uint8_t aqMod;
+        bool littleEndian;
+        const char* solvent;
+    };
+    const Expected sets[] = {
+        // DSPFVS 10, DECIM 24; probed big-endian.
+        {"aspirin-1h", 8192, 15.9572055821827, -0.478659, 300.132250975, -61.0208, 1, false,
+         "CDCl3"},
+        {"naphtoicAcid-1h", 8192, 34.9554221, -2.477936, 500.13750195, -53.25, 3, false, "Acetone"},
+        {"strychnine-1h", 40063, 24.0305032, -5.839880, 400.132470966543, -67.9842071533203, 3,
+         true, "CDCl3"},
+        {"cyclosporin-1h", 32768, 10.9861052, -0.995830, 500.132249206, -76, 3, true, "C6D6"},
+    };
+    for (const Expected& e : sets) {
+        SCOPED_TRACE(e.name);
+        const auto r = readSet(e.name);
+        ASSERT_TRUE(r);
+        const DimensionRecord& d = r->source.dims[1];
+        EXPECT_EQ(d.points, e.points);
+        EXPECT_NEAR(d.spectralWidth, e.width, 1e-5);
+        EXPECT_NEAR(d.lowestPpm, e.lowest, 1e-5);
+        EXPECT_NEAR(d.carrier, e.carrier, 1e-4);
+        EXPECT_NEAR(d.timeShift, e.shift, 1e-4);
+        EXPECT_EQ(d.isotope, 1);
+        EXPECT_EQ(atom(d), "H");
+        EXPECT_EQ(r->source.ftPreferences[1], e.aqMod);
+        EXPECT_EQ((r->source.flags & kLittleEndian) != 0, e.littleEndian);
+        EXPECT_EQ(r->source.phaseable[1], 1);
+        EXPECT_EQ(r->source.numberType, NumberType::Long);
+        EXPECT_EQ(r->source.highestTIndex, 1);
+        EXPECT_EQ(r->metadata.solvent, e.solvent);
+        EXPECT_EQ(r->metadata.pulseSequence, "zg30");
+    }
     const auto r = readSet("aspirin-1h");
-    ASSERT_TRUE(r);
-    const SpectrumSource& s = r->source;
-    const DimensionRecord& d = s.dims[1];
-    EXPECT_EQ(d.points, 8192u);
-    EXPECT_FLOAT_EQ(d.spectralWidth, 15.9572055821827f);
-    EXPECT_NEAR(d.lowestPpm, -0.478659, 1e-5);
-    EXPECT_FLOAT_EQ(d.carrier, 300.132250975f);
-    EXPECT_NEAR(d.timeShift, -61.0208, 1e-4);  // DSPFVS 10, DECIM 24
-    EXPECT_EQ(d.isotope, 1);
-    EXPECT_EQ(atom(d), "H");
-    EXPECT_EQ(s.flags & kLittleEndian, 0u);
-    EXPECT_EQ(s.ftPreferences[1], 1);  // AQ_mod 1
-    EXPECT_EQ(s.phaseable[1], 1);
-    EXPECT_EQ(s.numberType, NumberType::Long);
-    EXPECT_EQ(s.provenance, "Bruker");
-    EXPECT_EQ(s.fileName, "fid");
-    EXPECT_EQ(s.rawPath, testdata::bruker("aspirin-1h") + "/fid");
-    EXPECT_EQ(s.highestTIndex, 1);
-    EXPECT_EQ(s.xIndex, 1);
-    EXPECT_EQ(s.yIndex, 0);
-    EXPECT_EQ(s.blockSize, kDefaultBlockSize);
-    EXPECT_EQ(s.blockHeader, 0u);
-    EXPECT_EQ(r->metadata.solvent, "CDCl3");
-    EXPECT_EQ(r->metadata.pulseSequence, "zg30");
+    EXPECT_EQ(r->source.provenance, "Bruker");
+    EXPECT_EQ(r->source.rawPath, testdata::bruker("aspirin-1h") + "/fid");
     EXPECT_EQ(r->metadata.title, "1H BBI");
     EXPECT_EQ(r->info.dateStamp, "Tue Jan 31 10:24:56 2006");
     EXPECT_DOUBLE_EQ(r->info.relaxationDelay, 1.2);
@@ -103,49 +115,15 @@ TEST(BrukerReaderData, ProcessedAspirinReadsItsRealSpectrumWithoutAnFid) {
     EXPECT_NEAR(s.dims[1].spectralWidth, 15.9572, 1e-4);
     EXPECT_NEAR(s.dims[1].lowestPpm, -0.478659, 1e-5);  // O1/SFO1 - SW/2: OFFSET is not needed
     EXPECT_EQ(s.flags, kRealOnly | kLittleEndian);
-    EXPECT_EQ(s.numberType, NumberType::Long);
     EXPECT_EQ(s.highestTIndex, 0);
     EXPECT_EQ(s.phaseable[1], 0);
-}
-
-TEST(BrukerReaderData, OneDimensionalSetsFollowTheirParameterFiles) {
-    struct Expected {
-        const char* name;
-        uint32_t points;
-        double width, lowest, carrier, shift;
-        uint8_t aqMod;
-        bool littleEndian;
-        const char* solvent;
-    };
-    const Expected sets[] = {
-        {"naphtoicAcid-1h", 8192, 34.9554221, -2.477936, 500.13750195, -53.25, 3, false, "Acetone"},
-        {"strychnine-1h", 40063, 24.0305032, -5.839880, 400.132470966543, -67.9842071533203, 3,
-         true, "CDCl3"},
-        {"cyclosporin-1h", 32768, 10.9861052, -0.995830, 500.132249206, -76, 3, true, "C6D6"},
-    };
-    for (const Expected& e : sets) {
-        SCOPED_TRACE(e.name);
-        const auto r = readSet(e.name);
-        ASSERT_TRUE(r);
-        const DimensionRecord& d = r->source.dims[1];
-        EXPECT_EQ(d.points, e.points);
-        EXPECT_NEAR(d.spectralWidth, e.width, 1e-5);
-        EXPECT_NEAR(d.lowestPpm, e.lowest, 1e-5);
-        EXPECT_NEAR(d.carrier, e.carrier, 1e-4);
-        EXPECT_NEAR(d.timeShift, e.shift, 1e-4);
-        EXPECT_EQ(r->source.ftPreferences[1], e.aqMod);
-        EXPECT_EQ((r->source.flags & kLittleEndian) != 0, e.littleEndian);
-        EXPECT_EQ(r->metadata.solvent, e.solvent);
-        EXPECT_EQ(r->metadata.pulseSequence, "zg30");
-    }
 }
 
 TEST(BrukerReaderData, TwoDimensionalSetsHaveRowsOfTheirSerFile) {
     struct Expected {
         const char* name;
         uint32_t points, rows, blockSize;
-        uint8_t fnMode;
-        uint8_t isotope1;
+        uint8_t fnMode, isotope1;
         double width1, carrier1;
         uint32_t nus;
     };
@@ -175,9 +153,7 @@ TEST(BrukerReaderData, TwoDimensionalSetsHaveRowsOfTheirSerFile) {
         EXPECT_NEAR(s.dims[1].carrier, e.carrier1, 1e-4);
         EXPECT_EQ(s.dims[1].timeShift, 0.0f);
         EXPECT_EQ(s.dims[1].pointsAfterNus, e.nus);
-        EXPECT_EQ(s.dims[2].pointsAfterNus, 0u);
         EXPECT_EQ(s.phaseable[1], 1);
-        EXPECT_EQ(s.phaseable[2], 1);
         EXPECT_EQ(s.highestTIndex, 2);
         EXPECT_EQ(s.xIndex, 2);
         EXPECT_EQ(s.yIndex, 1);
@@ -188,12 +164,12 @@ TEST(BrukerReaderData, TwoDimensionalSetsHaveRowsOfTheirSerFile) {
 TEST(BrukerReaderData, MultidimensionalRawDataTakeTheSpectrometerPhases) {
     const auto r = readSet("cyclosporin-hsqc");
     ASSERT_TRUE(r);
-    EXPECT_FLOAT_EQ(r->source.dims[2].phase0,
-                    static_cast<float>(240.3139 * kDegreesToStoredRadians));
-    EXPECT_FLOAT_EQ(r->source.dims[2].phase1,
-                    static_cast<float>(3.961444 * kDegreesToStoredRadians));
-    EXPECT_FLOAT_EQ(r->source.dims[1].phase0,
-                    static_cast<float>(-177.2868 * kDegreesToStoredRadians));
+    const auto stored = [](double degrees) {
+        return static_cast<float>(degrees * kDegreesToStoredRadians);
+    };
+    EXPECT_FLOAT_EQ(r->source.dims[2].phase0, stored(240.3139));
+    EXPECT_FLOAT_EQ(r->source.dims[2].phase1, stored(3.961444));
+    EXPECT_FLOAT_EQ(r->source.dims[1].phase0, stored(-177.2868));
     EXPECT_EQ(atom(r->source.dims[1]), "C");
     EXPECT_EQ(r->metadata.pulseSequence, "hsqcedetgpsp.3");
     // One-dimensional raw data keep their phases at zero.
@@ -209,19 +185,12 @@ TEST(BrukerReaderData, ArrayedSeriesAreFrequencyAxesUnlessReadAsThreeDimensional
     EXPECT_EQ(countDimensions(plain->source), 2);
     const DimensionRecord& d = arrayed->source.dims[1];
     EXPECT_EQ(atom(d), "..");
-    EXPECT_EQ(d.isotope, 0);
     EXPECT_EQ(d.points, 10u);
-    EXPECT_EQ(d.spectralWidth, 10.0f);
-    EXPECT_EQ(d.carrier, 10.0f);
     EXPECT_EQ(d.lowestPpm, -10.0f);
     EXPECT_EQ(arrayed->source.phaseable[1], 0);
-    EXPECT_EQ(arrayed->source.phaseable[2], 1);
     EXPECT_EQ(countDimensions(arrayed->source), 1);
     // t1rho1H steps a power list (ivp), which the rule does not know: it stays a frequency axis.
-    const auto t1rho = readSet("t1rho-1h", {.threeD = true});
-    ASSERT_TRUE(t1rho);
-    EXPECT_EQ(atom(t1rho->source.dims[1]), "H");
-    EXPECT_EQ(t1rho->source.dims[1].points, 22u);
+    EXPECT_EQ(atom(readSet("t1rho-1h", {.threeD = true}).value().source.dims[1]), "H");
 }
 
 TEST(BrukerReaderData, ProcessedTwoDimensionalFilesDescribeTheirTiles) {
@@ -243,11 +212,6 @@ TEST(BrukerReaderData, ProcessedTwoDimensionalFilesDescribeTheirTiles) {
     EXPECT_EQ(ir->source.dims[2].points, 8192u);
     EXPECT_EQ(ir->source.flags & kBlockMatrix, 0u);
     EXPECT_EQ(ir->source.blockSize, 8192u * 4u);
-    const auto hsqc = readSet("cyclosporin-hsqc", {.processed = true});
-    ASSERT_TRUE(hsqc);
-    EXPECT_EQ(hsqc->source.blockSize, 1024u * 1024u * 8u);
-    EXPECT_NEAR(hsqc->source.dims[1].lowestPpm, 8802.5858390921 / 125.766591585839 - 82.8253874,
-                1e-4);
 }
 
 TEST(BrukerReaderLayout, SerRowsSkipTheirPadding) {
@@ -271,9 +235,7 @@ TEST(BrukerReaderLayout, SerRowsSkipTheirPadding) {
 
 TEST(BrukerReaderLayout, InterruptedAcquisitionKeepsItsCompleteRows) {
     const std::string dir = twoDimensional(protonAxis("256"), protonAxis("128"), 37 * 1024 + 500);
-    const auto r = readBrukerFolder(dir);
-    ASSERT_TRUE(r);
-    EXPECT_EQ(r->source.dims[1].points, 37u);
+    EXPECT_EQ(readBrukerFolder(dir).value().source.dims[1].points, 37u);
     // A hostile TD of 2^31 rows is lowered to what the file holds, without allocating.
     const auto huge =
         readBrukerFolder(twoDimensional(protonAxis("256"), protonAxis("2147483648"), 3 * 1024));
@@ -290,61 +252,44 @@ TEST(BrukerReaderLayout, CarrierAndNucleusFallbacks) {
     acqus.erase("SFO1");
     acqus["NUC1"] = "<off>";
     acqus["NUCLEUS"] = "<13C>";
-    auto r = readBrukerFolder(oneDimensional(acqus, 256));
-    ASSERT_TRUE(r);
-    EXPECT_EQ(r->source.dims[1].carrier, 1.0f);
-    EXPECT_FLOAT_EQ(r->source.dims[1].lowestPpm, 2000.0f - 5.0f);  // O1 over a 1 MHz carrier
-    EXPECT_EQ(r->source.dims[1].isotope, 13);
-    EXPECT_EQ(atom(r->source.dims[1]), "C");
+    auto d = readBrukerFolder(oneDimensional(acqus, 256)).value().source.dims[1];
+    EXPECT_EQ(d.carrier, 1.0f);
+    EXPECT_FLOAT_EQ(d.lowestPpm, 2000.0f - 5.0f);  // O1 over a 1 MHz carrier
+    EXPECT_EQ(d.isotope, 13);
+    EXPECT_EQ(atom(d), "C");
     acqus["SFO1"] = "0";
     acqus["NUC1"] = "<29Si>";
-    r = readBrukerFolder(oneDimensional(acqus, 256));
-    ASSERT_TRUE(r);
-    EXPECT_EQ(r->source.dims[1].carrier, 1.0f);
-    EXPECT_EQ(r->source.dims[1].isotope, 29);
-    EXPECT_EQ(atom(r->source.dims[1]), "Si");
-}
-
-TEST(BrukerReaderLayout, FilterDelayComesFromTheTableBelowFirmware20) {
-    auto acqus = protonAxis("64");
-    acqus["DSPFVS"] = "10";
-    acqus["DECIM"] = "2";
-    EXPECT_FLOAT_EQ(readBrukerFolder(oneDimensional(acqus, 256))->source.dims[1].timeShift,
-                    -44.75f);
-    acqus["DSPFVS"] = "17";
-    EXPECT_EQ(readBrukerFolder(oneDimensional(acqus, 256))->source.dims[1].timeShift, 0.0f);
-    acqus["DSPFVS"] = "23";
-    EXPECT_EQ(readBrukerFolder(oneDimensional(acqus, 256))->source.dims[1].timeShift, -68.0f);
+    d = readBrukerFolder(oneDimensional(acqus, 256)).value().source.dims[1];
+    EXPECT_EQ(d.carrier, 1.0f);
+    EXPECT_EQ(d.isotope, 29);
+    EXPECT_EQ(atom(d), "Si");
 }
 
 TEST(BrukerReaderLayout, IndirectAxesFollowThePulseProgramName) {
     auto acqus = protonAxis("64");
     auto acqu2s = protonAxis("8");
-    acqus["PULPROG"] = "<noesyphtp.2>";
-    auto r = readBrukerFolder(twoDimensional(acqus, acqu2s, 8 * 1024));
-    ASSERT_TRUE(r);
-    EXPECT_EQ(r->source.ftPreferences[1], 3);  // FnMODE 0, "tp"
-    acqus["PULPROG"] = "<cosygs>";
-    EXPECT_EQ(readBrukerFolder(twoDimensional(acqus, acqu2s, 8 * 1024))->source.ftPreferences[1],
-              1);
-    acqus["PULPROG"] = "<hmqcgs>";
-    EXPECT_EQ(readBrukerFolder(twoDimensional(acqus, acqu2s, 8 * 1024))->source.ftPreferences[1],
-              6);
-
+    // FnMODE 0: "tp" in the name means TPPI, "gs" QF, "hmqc" echo-antiecho.
+    for (const auto& [program, mode] :
+         {std::pair{"<noesyphtp.2>", 3}, {"<cosygs>", 1}, {"<hmqcgs>", 6}}) {
+        acqus["PULPROG"] = program;
+        EXPECT_EQ(readBrukerFolder(twoDimensional(acqus, acqu2s, 8 * 1024))
+                      .value()
+                      .source.ftPreferences[1],
+                  mode)
+            << program;
+    }
     // INADEQUATE: a double-quantum axis at twice the carrier, centred on zero.
     acqus["PULPROG"] = "<inadgpqf>";
     acqu2s["SW"] = "40";
-    r = readBrukerFolder(twoDimensional(acqus, acqu2s, 8 * 1024));
-    ASSERT_TRUE(r);
-    EXPECT_EQ(atom(r->source.dims[1]), "X");
-    EXPECT_EQ(r->source.dims[1].isotope, 0);
-    EXPECT_EQ(r->source.dims[1].lowestPpm, -20.0f);
-    EXPECT_EQ(r->source.dims[1].carrier, 800.0f);
+    const auto d = readBrukerFolder(twoDimensional(acqus, acqu2s, 8 * 1024)).value().source.dims[1];
+    EXPECT_EQ(atom(d), "X");
+    EXPECT_EQ(d.isotope, 0);
+    EXPECT_EQ(d.lowestPpm, -20.0f);
+    EXPECT_EQ(d.carrier, 800.0f);
 }
 
 TEST(BrukerReaderLayout, OffsetsFillAxesWithoutOne) {
-    auto acqus = protonAxis("64");
-    acqus["O1"] = "2000";  // 5 ppm on a 10 ppm window: the lowest ppm is exactly 0
+    auto acqus = protonAxis("64");  // 5 ppm on a 10 ppm window: the lowest ppm is exactly 0
     auto acqu2s = protonAxis("8");
     acqu2s["O1"] = "4000";
     acqu2s["SW"] = "20";
@@ -406,17 +351,14 @@ TEST(BrukerReaderLayout, PulseProgramDecidesArrayedRowsOfAThreeDimensionalReques
 TEST(BrukerReaderDamaged, OneDimensionalPointsFallBackOnTheFidSize) {
     auto acqus = protonAxis("64");
     acqus.erase("TD");
-    auto r = readBrukerFolder(oneDimensional(acqus, 4096));
-    ASSERT_TRUE(r);
-    EXPECT_EQ(r->source.dims[1].points, 512u);
+    EXPECT_EQ(readBrukerFolder(oneDimensional(acqus, 4096)).value().source.dims[1].points, 512u);
     // Empty and binary parameter files read as parameters left at zero.
     const std::string dir = oneDimensional({}, 800);
     writeFile(dir + "/acqus", "");
-    r = readBrukerFolder(dir);
-    ASSERT_TRUE(r);
-    EXPECT_EQ(r->source.dims[1].points, 100u);
-    EXPECT_EQ(r->source.dims[1].carrier, 1.0f);
-    EXPECT_EQ(r->source.dims[1].spectralWidth, 10.0f);  // the opener's minimum
+    const auto d = readBrukerFolder(dir).value().source.dims[1];
+    EXPECT_EQ(d.points, 100u);
+    EXPECT_EQ(d.carrier, 1.0f);
+    EXPECT_EQ(d.spectralWidth, 10.0f);  // the opener's minimum
     std::string binary(3000, '\0');
     for (size_t i = 0; i < binary.size(); ++i) binary[i] = static_cast<char>(i * 131 + 7);
     writeFile(dir + "/acqus", binary);
@@ -424,15 +366,11 @@ TEST(BrukerReaderDamaged, OneDimensionalPointsFallBackOnTheFidSize) {
 }
 
 TEST(BrukerReaderDamaged, MissingFilesGiveNothing) {
-    const std::string dir = oneDimensional(protonAxis("64"), 256);
-    fs::remove(dir + "/fid");
-    EXPECT_FALSE(readBrukerFolder(dir));
-    const std::string noAcqus = oneDimensional(protonAxis("64"), 256);
-    fs::remove(noAcqus + "/acqus");
-    EXPECT_FALSE(readBrukerFolder(noAcqus));
-    const std::string noAcqu2s = twoDimensional(protonAxis("64"), protonAxis("8"), 8192);
-    fs::remove(noAcqu2s + "/acqu2s");
-    EXPECT_FALSE(readBrukerFolder(noAcqu2s));
+    for (const char* file : {"/ser", "/acqus", "/acqu2s"}) {
+        const std::string dir = twoDimensional(protonAxis("64"), protonAxis("8"), 8192);
+        fs::remove(dir + file);
+        EXPECT_FALSE(readBrukerFolder(dir)) << file;
+    }
     // Two dimensions without TD leave the axes empty.
     EXPECT_FALSE(readBrukerFolder(twoDimensional({}, {}, 8192)));
     // A parameter file too large to be one is refused.
