@@ -70,15 +70,9 @@ protected:
         s.numberType = t;
         s.flags = flags;
         s.blockSize = kDefaultBlockSize;
-        if (rows > 1) {
-            s.dims[1].points = rows;
-            s.dims[2].points = points;
-            s.xIndex = 2;
-            s.yIndex = 1;
-        } else {
-            s.dims[1].points = points;
-            s.xIndex = 1;
-        }
+        s.xIndex = rows > 1 ? 2 : 1;
+        s.dims[s.xIndex].points = points;
+        if (rows > 1) s.dims[1].points = rows, s.yIndex = 1;
         return s;
     }
 };
@@ -145,30 +139,6 @@ TEST_F(RawLoaderTest, HeaderBytesAreSkippedOnce) {
     EXPECT_EQ(m->im, (std::vector<float>{8, 10}));
 }
 
-TEST_F(RawLoaderTest, SerRowsSkipTheirPadding) {
-    // 125 complex 32-bit points make 1000 bytes; rows are padded to 1024.
-    const uint32_t points = 125, rows = 3;
-    Bytes b;
-    for (uint32_t r = 0; r < rows; ++r) {
-        for (uint32_t i = 0; i < 2 * points; ++i) put(b, NumberType::Long, r * 1000.0 + i, false);
-        b.insert(b.end(), 24, 0x7F);
-    }
-    auto s = source(write(b, "ser"), NumberType::Long, 0, points, rows);
-    s.blockSize = 1024;
-    s.blockHeader = 24;
-    auto m = loadMatrix(s);
-    ASSERT_TRUE(m);
-    ASSERT_EQ(m->re.size(), points * rows);
-    for (uint32_t r = 0; r < rows; ++r) {
-        EXPECT_EQ(m->re[r * points], r * 1000.0f);
-        EXPECT_EQ(m->im[r * points + 124], r * 1000.0f + 249);
-    }
-    EXPECT_EQ(m->contiguous, 2);
-    EXPECT_EQ(m->dimensions, 2);
-    EXPECT_TRUE(m->workRow.empty());
-    EXPECT_FALSE(m->state & matrix_state::kWorkRow);
-}
-
 TEST_F(RawLoaderTest, BlockMatrixTilesBecomePlainRows) {
     // 8 x 4 real matrix in tiles 4 wide and 2 high; value = row * 100 + column.
     const int width = 4, height = 2, cols = 8, rows = 4;
@@ -187,27 +157,9 @@ TEST_F(RawLoaderTest, BlockMatrixTilesBecomePlainRows) {
     EXPECT_TRUE(m->im.empty());
     for (int r = 0; r < rows; ++r)
         for (int c = 0; c < cols; ++c) EXPECT_EQ(m->re[r * cols + c], r * 100 + c) << r << "," << c;
-}
-
-TEST_F(RawLoaderTest, BlockMatrixOfHeightZeroUsesSquareTiles) {
-    const int width = 2, cols = 4, rows = 4;
-    Bytes b;
-    for (int tr = 0; tr < rows / width; ++tr)
-        for (int tc = 0; tc < cols / width; ++tc)
-            for (int k = 0; k < width; ++k)
-                for (int c = 0; c < width; ++c)
-                    put(b, NumberType::Long, (tr * width + k) * 10 + tc * width + c, false);
-    auto s = source(write(b), NumberType::Long, sf::kRealOnly | sf::kBlockMatrix, cols, rows);
-    s.blockSize = width * width * 8;
-    s.subMatrixHeight = 0;
-    auto m = loadMatrix(s);
-    ASSERT_TRUE(m);
-    EXPECT_EQ(m->re,
-              (std::vector<float>{0, 1, 2, 3, 10, 11, 12, 13, 20, 21, 22, 23, 30, 31, 32, 33}));
-
     s.blockSize = 100;  // not the square of a tile width
     EXPECT_FALSE(loadMatrix(s));
-    s.blockSize = 3 * 3 * 8;  // tiles that do not divide the rows
+    s.blockSize = 3 * 3 * 8;  // tiles that do not divide the columns
     EXPECT_FALSE(loadMatrix(s));
 }
 
@@ -291,34 +243,23 @@ TEST_F(RawLoaderTest, TruncatedLastRowIsZeroFilledOnlyWhenMostlyThere) {
 }
 
 TEST_F(RawLoaderTest, HostileSizesAreRefusedBeforeAllocating) {
-    Bytes b(64, 0);
-    const std::string path = write(b);
-    auto s = source(path, NumberType::Long, 0, 4);
-
-    auto huge = s;  // 2^31 x 2^31 points overflow any size
-    huge.dims[1].points = 0x80000000u;
-    huge.dims[2].points = 0x80000000u;
-    EXPECT_FALSE(loadMatrix(huge));
-
-    auto big = s;  // fits in 64 bits but not under the matrix limit
-    big.dims[1].points = 0xFFFFFFFFu;
-    EXPECT_FALSE(loadMatrix(big));
-
-    auto large = s;  // under the limit, far beyond the file
-    large.dims[1].points = 1u << 27;
-    EXPECT_FALSE(loadMatrix(large));
-
-    auto header = s;
-    header.headerSize = 0xFFFFFFFFu;
-    EXPECT_FALSE(loadMatrix(header));
-
-    auto padding = source(path, NumberType::Long, 0, 1, 1u << 20);
-    padding.blockHeader = 0xFFFFFFFFu;  // stride x rows beyond 2^50
-    EXPECT_FALSE(loadMatrix(padding));
-
-    auto tiles = source(path, NumberType::Long, sf::kRealOnly | sf::kBlockMatrix, 4, 4);
-    tiles.blockSize = 0xFFFFFFF8u;
-    EXPECT_FALSE(loadMatrix(tiles));
+    const std::string path = write(Bytes(64, 0));
+    const auto refused = [](SpectrumSource s, auto change) {
+        change(s);
+        return !loadMatrix(s);
+    };
+    const auto plain = source(path, NumberType::Long, 0, 4);
+    // 2^31 x 2^31 points overflow any size; 2^32 - 1 fits in 64 bits but not under the matrix
+    // limit; 2^27 is under the limit and far beyond the file.
+    EXPECT_TRUE(refused(plain, [](auto& s) { s.dims[1].points = s.dims[2].points = 1u << 31; }));
+    EXPECT_TRUE(refused(plain, [](auto& s) { s.dims[1].points = 0xFFFFFFFFu; }));
+    EXPECT_TRUE(refused(plain, [](auto& s) { s.dims[1].points = 1u << 27; }));
+    EXPECT_TRUE(refused(plain, [](auto& s) { s.headerSize = 0xFFFFFFFFu; }));
+    // Padding that makes stride x rows exceed 2^50; tiles beyond any size.
+    EXPECT_TRUE(refused(source(path, NumberType::Long, 0, 1, 1u << 20),
+                        [](auto& s) { s.blockHeader = 0xFFFFFFFFu; }));
+    EXPECT_TRUE(refused(source(path, NumberType::Long, sf::kRealOnly | sf::kBlockMatrix, 4, 4),
+                        [](auto& s) { s.blockSize = 0xFFFFFFF8u; }));
 }
 
 TEST_F(RawLoaderTest, MissingFilesAndUndecodedFormsGiveNothing) {
@@ -350,24 +291,24 @@ TEST_F(RawLoaderTest, SingleRawValuesAtAByteOffset) {
 // Real spectrometer data, decoded here by hand from the file's bytes.
 int32_t wordAt(const std::string& bytes, size_t offset, bool little) {
     uint32_t v = 0;
-    for (int i = 0; i < 4; ++i) {
-        const auto b = static_cast<unsigned char>(bytes.at(offset + i));
-        v |= uint32_t{b} << (8 * (little ? i : 3 - i));
-    }
+    for (int i = 0; i < 4; ++i)
+        v |= uint32_t{static_cast<unsigned char>(bytes.at(offset + i))}
+             << (8 * (little ? i : 3 - i));
     return static_cast<int32_t>(v);
 }
 
-struct Loaded {
-    SpectrumSource source;
-    SpectrumMatrix matrix;
-};
+// Value `at` of the matrix is the word at `offset`; for complex data its imaginary part is the
+// word after it.
+void expectWord(const SpectrumMatrix& m, size_t at, const std::string& bytes, size_t offset,
+                bool little) {
+    EXPECT_EQ(m.re.at(at), static_cast<float>(wordAt(bytes, offset, little))) << at;
+    if (m.im.empty()) return;
+    EXPECT_EQ(m.im.at(at), static_cast<float>(wordAt(bytes, offset + 4, little))) << at;
+}
 
-std::optional<Loaded> readAndLoad(const std::string& folder, bool processed = false) {
+std::optional<SpectrumMatrix> readAndLoad(const std::string& folder, bool processed = false) {
     auto r = readBrukerFolder(folder, {.threeD = false, .processed = processed});
-    if (!r) return std::nullopt;
-    auto m = loadMatrix(r->source);
-    if (!m) return std::nullopt;
-    return Loaded{r->source, std::move(*m)};
+    return r ? loadMatrix(r->source) : std::nullopt;
 }
 
 TEST(RawLoaderRealData, EveryTestExperimentLoads) {
@@ -375,52 +316,53 @@ TEST(RawLoaderRealData, EveryTestExperimentLoads) {
                              "cyclosporin-cosy", "cyclosporin-hsqc", "cyclosporin-hmbc",
                              "inversion-recovery", "t1rho-1h", "cosy-nus", "hsqc-nus"}) {
         SCOPED_TRACE(name);
-        auto l = readAndLoad(testdata::bruker(name));
-        ASSERT_TRUE(l);
-        EXPECT_EQ(l->matrix.re.size(), pointProduct(l->source.dims));
-        EXPECT_EQ(l->matrix.im.size(), l->matrix.re.size());
-        EXPECT_EQ(l->matrix.contiguous, directFIndex(l->source));
-        EXPECT_EQ(l->matrix.workRow.empty(), l->matrix.dimensions > 1);
+        const auto source = readBrukerFolder(testdata::bruker(name)).value().source;
+        auto m = loadMatrix(source);
+        ASSERT_TRUE(m);
+        EXPECT_EQ(m->re.size(), pointProduct(source.dims));
+        EXPECT_EQ(m->im.size(), m->re.size());
+        EXPECT_EQ(m->contiguous, directFIndex(source));
+        EXPECT_EQ(m->workRow.empty(), m->dimensions > 1);
     }
     for (const char* name : {"aspirin-1h-processed", "strychnine-1h", "cyclosporin-cosy",
                              "cosy-nus", "t1rho-1h", "inversion-recovery"}) {
         SCOPED_TRACE(std::string(name) + " processed");
-        auto l = readAndLoad(testdata::bruker(name), true);
-        ASSERT_TRUE(l);
-        EXPECT_TRUE(l->matrix.realOnly());
-        EXPECT_EQ(l->matrix.re.size(), pointProduct(l->source.dims));
-        EXPECT_TRUE(l->matrix.im.empty());
+        const auto source = readBrukerFolder(testdata::bruker(name), {.processed = true});
+        auto m = loadMatrix(source.value().source);
+        ASSERT_TRUE(m);
+        EXPECT_TRUE(m->realOnly());
+        EXPECT_EQ(m->re.size(), pointProduct(source->source.dims));
+        EXPECT_TRUE(m->im.empty());
     }
 }
 
-TEST(RawLoaderRealData, FidWordsMatchTheMatrix) {
+TEST(RawLoaderRealData, FidAndProcessedRowMatchTheFileWords) {
     const std::string folder = testdata::bruker("aspirin-1h");
     const std::string fid = testdata::readFile(folder + "/fid");
-    auto l = readAndLoad(folder);
-    ASSERT_TRUE(l);
-    ASSERT_EQ(l->matrix.re.size(), 8192u);
-    for (size_t p : {0u, 70u, 71u, 4000u, 8191u}) {
-        EXPECT_EQ(l->matrix.re[p], static_cast<float>(wordAt(fid, 8 * p, false))) << p;
-        EXPECT_EQ(l->matrix.im[p], static_cast<float>(wordAt(fid, 8 * p + 4, false))) << p;
-    }
-    EXPECT_EQ(l->matrix.re[70], -147341.0f);  // bytes ff fd c0 73, read big-endian
+    auto m = readAndLoad(folder);
+    ASSERT_TRUE(m);
+    ASSERT_EQ(m->re.size(), 8192u);
+    for (size_t p : {0u, 70u, 71u, 4000u, 8191u}) expectWord(*m, p, fid, 8 * p, false);
+    EXPECT_EQ(m->re[70], -147341.0f);  // bytes ff fd c0 73, read big-endian
+
+    const std::string processed = testdata::bruker("aspirin-1h-processed");
+    const std::string r1 = testdata::readFile(processed + "/pdata/1/1r");
+    m = readAndLoad(processed, true);
+    ASSERT_TRUE(m);
+    ASSERT_EQ(m->re.size() * 4, r1.size());
+    for (size_t p : {0u, 12345u, 32767u}) expectWord(*m, p, r1, 4 * p, true);
 }
 
 TEST(RawLoaderRealData, SerRowsMatchTheFileWordForWord) {
     const std::string folder = testdata::bruker("cyclosporin-cosy");
     const std::string ser = testdata::readFile(folder + "/ser");
-    auto l = readAndLoad(folder);
-    ASSERT_TRUE(l);
-    const SpectrumMatrix& m = l->matrix;
-    ASSERT_EQ(m.dims[2].points, 1024u);
-    ASSERT_EQ(m.dims[1].points, 128u);
+    auto m = readAndLoad(folder);
+    ASSERT_TRUE(m);
+    ASSERT_EQ(m->dims[2].points, 1024u);
+    ASSERT_EQ(m->dims[1].points, 128u);
     for (size_t row : {0u, 64u, 127u})
-        for (size_t p : {0u, 77u, 500u, 1023u}) {
-            const size_t at = row * 1024 + p, offset = row * 8192 + p * 8;
-            EXPECT_EQ(m.re[at], static_cast<float>(wordAt(ser, offset, true))) << row << "," << p;
-            EXPECT_EQ(m.im[at], static_cast<float>(wordAt(ser, offset + 4, true)))
-                << row << "," << p;
-        }
+        for (size_t p : {0u, 77u, 500u, 1023u})
+            expectWord(*m, row * 1024 + p, ser, row * 8192 + p * 8, true);
 }
 
 TEST(RawLoaderRealData, PaddedSerRowsBuiltFromRealRows) {
@@ -433,8 +375,7 @@ TEST(RawLoaderRealData, PaddedSerRowsBuiltFromRealRows) {
         std::string text = testdata::readFile(original + "/" + file);
         const size_t at = text.find(from);
         ASSERT_NE(at, std::string::npos);
-        text.replace(at, from.size(), to);
-        std::ofstream(dir + "/" + file, std::ios::binary) << text;
+        std::ofstream(dir + "/" + file, std::ios::binary) << text.replace(at, from.size(), to);
     };
     rewriteTd("acqus", "##$TD= 2048", "##$TD= 250");
     rewriteTd("acqu2s", "##$TD= 128", "##$TD= 3");
@@ -443,30 +384,26 @@ TEST(RawLoaderRealData, PaddedSerRowsBuiltFromRealRows) {
         for (size_t row = 0; row < 3; ++row)
             out << ser.substr(row * 8192, 1000) << std::string(24, '\x55');
     }
-    auto l = readAndLoad(dir);
+    const auto r = readBrukerFolder(dir);
+    ASSERT_TRUE(r);
+    EXPECT_EQ(r->source.blockSize, 1024u);
+    EXPECT_EQ(r->source.blockHeader, 24u);
+    auto m = loadMatrix(r->source);
     std::filesystem::remove_all(dir);
-    ASSERT_TRUE(l);
-    EXPECT_EQ(l->source.blockSize, 1024u);
-    EXPECT_EQ(l->source.blockHeader, 24u);
-    ASSERT_EQ(l->matrix.re.size(), 375u);
+    ASSERT_TRUE(m);
+    ASSERT_EQ(m->re.size(), 375u);
     for (size_t row = 0; row < 3; ++row)
-        for (size_t p : {0u, 60u, 124u}) {
-            const size_t offset = row * 8192 + p * 8;
-            EXPECT_EQ(l->matrix.re[row * 125 + p], static_cast<float>(wordAt(ser, offset, true)));
-            EXPECT_EQ(l->matrix.im[row * 125 + p],
-                      static_cast<float>(wordAt(ser, offset + 4, true)));
-        }
+        for (size_t p : {0u, 60u, 124u})
+            expectWord(*m, row * 125 + p, ser, row * 8192 + p * 8, true);
 }
 
 TEST(RawLoaderRealData, ProcessedTilesBecomeRows) {
     // 2048 x 2048 points in tiles of 128 x 128 (XDIM 128 on both axes).
     const std::string folder = testdata::bruker("cosy-nus");
     const std::string rr = testdata::readFile(folder + "/pdata/1/2rr");
-    auto l = readAndLoad(folder, true);
-    ASSERT_TRUE(l);
-    ASSERT_TRUE(l->source.flags & source_flags::kBlockMatrix);
-    const SpectrumMatrix& m = l->matrix;
-    ASSERT_EQ(m.re.size(), 2048u * 2048u);
+    auto m = readAndLoad(folder, true);
+    ASSERT_TRUE(m);
+    ASSERT_EQ(m->re.size(), 2048u * 2048u);
     for (auto [r, c] : {std::pair<size_t, size_t>{0, 0},
                         {5, 130},
                         {127, 128},
@@ -474,20 +411,8 @@ TEST(RawLoaderRealData, ProcessedTilesBecomeRows) {
                         {2047, 1},
                         {1024, 1024}}) {
         const size_t tile = (r / 128) * 16 + c / 128;
-        const size_t offset = (tile * 128 * 128 + (r % 128) * 128 + c % 128) * 4;
-        EXPECT_EQ(m.re[r * 2048 + c], static_cast<float>(wordAt(rr, offset, true)))
-            << r << "," << c;
+        expectWord(*m, r * 2048 + c, rr, (tile * 128 * 128 + (r % 128) * 128 + c % 128) * 4, true);
     }
-}
-
-TEST(RawLoaderRealData, ProcessedRowMatchesTheFile) {
-    const std::string folder = testdata::bruker("aspirin-1h-processed");
-    const std::string r1 = testdata::readFile(folder + "/pdata/1/1r");
-    auto l = readAndLoad(folder, true);
-    ASSERT_TRUE(l);
-    ASSERT_EQ(l->matrix.re.size() * 4, r1.size());
-    for (size_t p : {0u, 12345u, 32767u})
-        EXPECT_EQ(l->matrix.re[p], static_cast<float>(wordAt(r1, 4 * p, true))) << p;
 }
 
 }  // namespace
