@@ -19,39 +19,30 @@ SpectrumSource withPoints(uint32_t p1, uint32_t p2, uint32_t p3) {
     return s;
 }
 
-TEST(SourceCompletion, XEndsOnTheDirectAxis) {
+TEST(SourceCompletion, XEndsOnTheDirectAxisAndASecondPassChangesNothing) {
+    struct Case {
+        uint32_t p1, p2, p3;
+        int x, y, z;
+    };
+    // The last case has no middle axis: it is skipped.
+    for (const Case& c : {Case{2048, 0, 0, 1, 0, 0}, Case{128, 1024, 1, 2, 1, 0},
+                          Case{16, 64, 512, 3, 2, 1}, Case{32, 1, 512, 3, 1, 0}}) {
+        auto s = withPoints(c.p1, c.p2, c.p3);
+        for (int pass = 1; pass <= 2; ++pass) {
+            completeSource(s);
+            EXPECT_EQ(s.xIndex, c.x) << c.p1 << " pass " << pass;
+            EXPECT_EQ(s.yIndex, c.y) << c.p1 << " pass " << pass;
+            EXPECT_EQ(s.zIndex, c.z) << c.p1 << " pass " << pass;
+        }
+    }
     auto s = withPoints(2048, 0, 0);
     completeSource(s);
-    EXPECT_EQ(s.xIndex, 1);
-    EXPECT_EQ(s.yIndex, 0);
-    EXPECT_EQ(s.dims[2].points, 1u);
-    EXPECT_EQ(s.dims[3].points, 1u);
-    EXPECT_EQ(s.dims[0].points, 1u);
-    s = withPoints(128, 1024, 1);
+    for (int f : {0, 2, 3}) EXPECT_EQ(s.dims[f].points, 1u) << f;
+    // A block size of zero becomes the default; a stated one stays.
+    EXPECT_EQ(s.blockSize, kDefaultBlockSize);
+    s.blockSize = 1024;
     completeSource(s);
-    EXPECT_EQ(s.xIndex, 2);
-    EXPECT_EQ(s.yIndex, 1);
-    EXPECT_EQ(s.zIndex, 0);
-    s = withPoints(16, 64, 512);
-    completeSource(s);
-    EXPECT_EQ(s.xIndex, 3);
-    EXPECT_EQ(s.yIndex, 2);
-    EXPECT_EQ(s.zIndex, 1);
-    // A missing middle axis is skipped.
-    s = withPoints(32, 1, 512);
-    completeSource(s);
-    EXPECT_EQ(s.xIndex, 3);
-    EXPECT_EQ(s.yIndex, 1);
-}
-
-TEST(SourceCompletion, CompletingTwiceChangesNothing) {
-    auto s = withPoints(16, 64, 512);
-    completeSource(s);
-    const SpectrumSource once = s;
-    completeSource(s);
-    EXPECT_EQ(s.xIndex, once.xIndex);
-    EXPECT_EQ(s.yIndex, once.yIndex);
-    EXPECT_EQ(s.zIndex, once.zIndex);
+    EXPECT_EQ(s.blockSize, 1024u);
 }
 
 TEST(SourceCompletion, AxesGetMinimumWidthAndCarrier) {
@@ -61,25 +52,16 @@ TEST(SourceCompletion, AxesGetMinimumWidthAndCarrier) {
     s.dims[1].spectralWidth = std::nanf("");
     s.dims[1].carrier = 1.0f;
     completeSource(s);
-    EXPECT_EQ(s.dims[2].spectralWidth, 10.0f);
-    EXPECT_EQ(s.dims[2].carrier, 1.0f);
-    EXPECT_EQ(s.dims[1].spectralWidth, 10.0f);
-    EXPECT_EQ(s.dims[1].carrier, 1.0f);
+    for (int f : {1, 2}) {
+        EXPECT_EQ(s.dims[f].spectralWidth, 10.0f) << f;
+        EXPECT_EQ(s.dims[f].carrier, 1.0f) << f;
+    }
     // One-point axes are left alone apart from their count.
     s = withPoints(0, 64, 0);
     s.dims[1].spectralWidth = 0.0f;
     completeSource(s);
     EXPECT_EQ(s.dims[1].points, 1u);
     EXPECT_EQ(s.dims[1].spectralWidth, 0.0f);
-}
-
-TEST(SourceCompletion, BlockSizeZeroBecomesTheDefault) {
-    auto s = withPoints(64, 0, 0);
-    completeSource(s);
-    EXPECT_EQ(s.blockSize, kDefaultBlockSize);
-    s.blockSize = 1024;
-    completeSource(s);
-    EXPECT_EQ(s.blockSize, 1024u);
 }
 
 }  // namespace
