@@ -84,7 +84,6 @@ TEST_F(FormatRecognition, DataExtensions) {
     EXPECT_EQ(recognizeFormat(file("a.tnt")), FormatCode::NtNmr);
     EXPECT_EQ(recognizeFormat(file("a.rda")), FormatCode::Siemens);
     EXPECT_EQ(recognizeFormat(file("a.crvn")), FormatCode::Corvane);
-    EXPECT_EQ(recognizeFormat(file("a.als")), FormatCode::Alice);
     EXPECT_EQ(recognizeFormat(file("b.ALS")), FormatCode::Alice);
     EXPECT_EQ(recognizeFormat(file("a.gx1")), FormatCode::JeolGx);
     EXPECT_EQ(recognizeFormat(file("a.GXD")), FormatCode::JeolGx);
@@ -147,7 +146,6 @@ TEST_F(FormatRecognition, MoleculeFilesAreShownOnlyInsideSpectra) {
 }
 
 TEST(FormatNames, NamesAndMessages) {
-    EXPECT_STREQ(formatName(FormatCode::Bruker), "Bruker");
     EXPECT_STREQ(formatName(FormatCode::Nuts2), "Nuts 2");
     EXPECT_STREQ(formatName(FormatCode::GeMedNmr), "GE_MED_NMR");
     EXPECT_STREQ(formatName(FormatCode::SpinSystemDocument), "Zolt");

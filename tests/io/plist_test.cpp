@@ -28,15 +28,9 @@ std::string realLine(double r) {
     return text.substr(begin, text.size() - begin - std::string("\n</plist>\n").size());
 }
 
-TEST(PlistWriter, HeaderAndClosingLinesAreExact) {
-    EXPECT_EQ(written(createInteger(7)), std::string(kHeader) + "<integer>7</integer>\n</plist>\n");
-}
-
 TEST(PlistWriter, RealsFollowTheDecimalRule) {
     EXPECT_EQ(realLine(2.0), "<real>2</real>");
-    EXPECT_EQ(realLine(-2.0), "<real>-2</real>");
     EXPECT_EQ(realLine(0.5), "<real>0.5</real>");
-    EXPECT_EQ(realLine(1234.5), "<real>1234.5</real>");
     EXPECT_EQ(realLine(-2.5), "<real>-2.5</real>");
     // 16 - e decimals, e the truncated logarithm: -1 for 0.1 (17), 3 for 1234.1 (13), -3 for
     // 0.000123 (19, clamped from -3.9) and negative values (no logarithm).
@@ -87,15 +81,10 @@ TEST(PlistWriter, DataIsBase64InLinesOfSixty) {
     std::string bytes;
     for (int i = 0; i < 100; ++i) bytes += static_cast<char>(i * 7);
     const std::string text = written(createData(bytes));
-    // 100 bytes: 136 characters, lines of 60, 60 and 16.
-    const size_t begin = text.find("<data>\n") + 7;
-    const size_t end = text.find("</data>");
-    std::string lines = text.substr(begin, end - begin);
-    ASSERT_EQ(std::count(lines.begin(), lines.end(), '\n'), 3);
-    EXPECT_EQ(lines.find('\n'), 60u);
-    EXPECT_EQ(lines.find('\n', 61), 121u);
-    EXPECT_EQ(lines.substr(122).size(), 17u);
-    EXPECT_EQ(lines.substr(122), "dn2Ei5KZoKeutQ==\n");
+    EXPECT_EQ(text.substr(text.find("<data>")),
+              "<data>\nAAcOFRwjKjE4P0ZNVFtiaXB3foWMk5qhqK+2vcTL0tng5+71/AMKERgfJi00\n"
+              "O0JJUFdeZWxzeoGIj5adpKuyucDHztXc4+rx+P8GDRQbIikwNz5FTFNaYWhv\n"
+              "dn2Ei5KZoKeutQ==\n</data>\n</plist>\n");
     Ref back(read(text));
     ASSERT_TRUE(back);
     EXPECT_EQ(back->text, bytes);
@@ -188,17 +177,10 @@ TEST(PlistReader, StringWithAngleBracketIsWrittenRawAndCannotComeBackWhole) {
 }
 
 TEST(PlistReader, DamagedTextGivesNothing) {
-    EXPECT_EQ(read(""), nullptr);
-    EXPECT_EQ(read("no markup at all"), nullptr);
-    EXPECT_EQ(read("<"), nullptr);
-    EXPECT_EQ(read("<integer>5"), nullptr);
-    EXPECT_EQ(read("<real>5</rea"), nullptr);
-    EXPECT_EQ(read("<string>abc</strin"), nullptr);
-    EXPECT_EQ(read("<dict><key>a</key><integer>1</integer>"), nullptr);
-    EXPECT_EQ(read("<array><array></array>"), nullptr);
-    EXPECT_EQ(read("<d"), nullptr);
-    EXPECT_EQ(read("<doodle>"), nullptr);
-    EXPECT_EQ(read("\x01\xff<\x80<<>>"), nullptr);
+    for (const char* text : {"", "no markup at all", "<", "<integer>5", "<real>5</rea",
+                             "<string>abc</strin", "<dict><key>a</key><integer>1</integer>",
+                             "<array><array></array>", "<d", "<doodle>", "\x01\xff<\x80<<>>"})
+        EXPECT_EQ(read(text), nullptr) << text;
 
     // Truncating a real document anywhere never crashes and never reads a partial root.
     Ref d(createDictionary());
@@ -262,6 +244,10 @@ TEST(PlistReferenceCounts, ReleaseLowersSharedCountsAndSparesPermanentValues) {
 
 TEST(PlistFile, WritesWholeFileAndFailsWithoutFolder) {
     const std::string dir = testdata::freshTempDir("plist");
+    const auto files = [&] {
+        const std::filesystem::directory_iterator all(dir);
+        return std::distance(begin(all), end(all));
+    };
     Ref d(createDictionary());
     addToDictionary(d.get(), "version", createInteger(711));
     const std::string path = dir + "/doc.zolt";
@@ -271,16 +257,11 @@ TEST(PlistFile, WritesWholeFileAndFailsWithoutFolder) {
     addToDictionary(d.get(), "more", createBoolean(true));
     ASSERT_TRUE(writeFile(d.get(), path));
     EXPECT_EQ(testdata::readFile(path), write(d.get()));
-    size_t files = 0;
-    for ([[maybe_unused]] const auto& e : std::filesystem::directory_iterator(dir)) ++files;
-    EXPECT_EQ(files, 1u);
-
+    EXPECT_EQ(files(), 1);
     const std::string missing = dir + "/no such folder";
     EXPECT_FALSE(writeFile(d.get(), missing + "/doc.zolt"));
     EXPECT_FALSE(std::filesystem::exists(missing));
-    files = 0;
-    for ([[maybe_unused]] const auto& e : std::filesystem::directory_iterator(dir)) ++files;
-    EXPECT_EQ(files, 1u);
+    EXPECT_EQ(files(), 1);
 }
 
 }  // namespace
