@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -61,18 +62,10 @@ std::string valueOf(const std::string& json, const std::string& key, size_t from
 // Every number of the "points" array, in order.
 std::vector<double> pointNumbers(const std::string& json) {
     std::vector<double> v;
-    size_t at = json.find("\"points\":[[");
+    const size_t at = json.find("\"points\":[[");
     if (at == std::string::npos) return v;
-    const char* p = json.c_str() + at + 9;
-    while (*p && !(*p == ']' && p[1] == ']' && p[2] == '}')) {
-        if (*p == '-' || (*p >= '0' && *p <= '9')) {
-            char* end = nullptr;
-            v.push_back(std::strtod(p, &end));
-            p = end;
-        } else {
-            ++p;
-        }
-    }
+    std::istringstream list(json.substr(at + 10, json.find("]]", at) - at - 10));
+    for (std::string n; std::getline(list, n, ',');) v.push_back(std::stod(n.substr(n[0] == '[')));
     return v;
 }
 
@@ -90,31 +83,13 @@ TEST(InfoCommand, AspirinJsonCarriesEveryKeyInOrder) {
     const auto out = lines(r.out);
     ASSERT_EQ(out.size(), 1u);
     const std::string& j = out[0];
+    std::istringstream keys(
+        "path format dimensions time_domain_dimensions number_type flags axes f_index points "
+        "points_after_nus spectral_width_ppm spectral_width_hz carrier_mhz lowest_ppm isotope atom "
+        "time_shift ft_preferences phase0 phase1 title solvent pulse_program");
     size_t at = 0;
-    for (const char* key : {"path",
-                            "format",
-                            "dimensions",
-                            "time_domain_dimensions",
-                            "number_type",
-                            "flags",
-                            "axes",
-                            "f_index",
-                            "points",
-                            "points_after_nus",
-                            "spectral_width_ppm",
-                            "spectral_width_hz",
-                            "carrier_mhz",
-                            "lowest_ppm",
-                            "isotope",
-                            "atom",
-                            "time_shift",
-                            "ft_preferences",
-                            "phase0",
-                            "phase1",
-                            "title",
-                            "solvent",
-                            "pulse_program"}) {
-        const size_t next = j.find("\"" + std::string(key) + "\":", at);
+    for (std::string key; keys >> key;) {
+        const size_t next = j.find("\"" + key + "\":", at);
         ASSERT_NE(next, std::string::npos) << key << " missing or out of order";
         at = next;
     }
@@ -174,12 +149,6 @@ TEST(InfoCommand, TwoDimensionalSetListsAxesInFIndexOrderAndEscapesItsTitle) {
 
 TEST(InfoCommand, ProcessedOptionReadsTheVendorSpectrumInsteadOfTheFid) {
     const std::string folder = testdata::bruker("strychnine-1h");
-    const CliRun raw = runCli("info " + quoted(folder) + " --json");
-    ASSERT_EQ(raw.status, 0) << raw.err;
-    EXPECT_EQ(valueOf(raw.out, "time_domain_dimensions"), "1");
-    EXPECT_EQ(valueOf(raw.out, "points"), "40063");
-    EXPECT_NE(raw.out.find("\"flags\":[\"little endian\"]"), std::string::npos) << raw.out;
-
     const CliRun r = runCli("info " + quoted(folder) + " --processed --json --points 3");
     ASSERT_EQ(r.status, 0) << r.err;
     const std::string& j = r.out;
