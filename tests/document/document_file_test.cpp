@@ -78,37 +78,15 @@ TEST_F(DocumentFile, SourceSurvivesTheRoundTrip) {
     DocumentRead read = readDocumentFile(path);
     ASSERT_TRUE(read.document) << read.caption << ": " << read.text;
     const SpectrumSource& s = read.document->source;
-    EXPECT_EQ(s.rawPath, dir_ + "/ser");
     EXPECT_EQ(s.flags, doc.source.flags);  // "interleaved" read back although saved false
-    EXPECT_EQ(s.provenance, "Bruker");
-    EXPECT_EQ(s.blockSize, 8192u);
-    EXPECT_EQ(s.highestTIndex, 2);
-    EXPECT_EQ(s.xIndex, 2);
-    EXPECT_EQ(s.yIndex, 1);
-    for (int f : {1, 2}) {
-        const DimensionRecord& a = doc.source.dims[f];
-        const DimensionRecord& b = s.dims[f];
-        EXPECT_EQ(a.points, b.points);
-        EXPECT_EQ(a.pointsAfterNus, b.pointsAfterNus);
-        EXPECT_FLOAT_EQ(a.spectralWidth, b.spectralWidth);
-        EXPECT_FLOAT_EQ(a.lowestPpm, b.lowestPpm);
-        EXPECT_FLOAT_EQ(a.carrier, b.carrier);
-        EXPECT_FLOAT_EQ(a.phase0, b.phase0);
-        EXPECT_FLOAT_EQ(a.phase1, b.phase1);
-        EXPECT_FLOAT_EQ(a.timeShift, b.timeShift);
-        EXPECT_EQ(a.isotope, b.isotope);
-        EXPECT_EQ(a.atom[0], b.atom[0]);
-        EXPECT_EQ(doc.source.ftPreferences[f], s.ftPreferences[f]);
-    }
+    EXPECT_EQ(s.dims[2].timeShift, -76.0f);
+    EXPECT_EQ(s.dims[1].atom[0], 'C');
     EXPECT_EQ(s.dims[3].points, 1u);
     EXPECT_EQ(read.document->metadata.title, "cyclosporin\nHSQC");
-    EXPECT_EQ(read.document->metadata.solvent, "C6D6");
-    EXPECT_FLOAT_EQ(read.document->metadata.temperature, 298.0f);
-    ASSERT_EQ(read.document->processing.steps.size(), 1u);
     EXPECT_EQ(read.document->processing.doneMask, done_mask::transformed(2));
-    const auto& ft = std::get<FourierTransformStep>(read.document->processing.steps[0].data);
-    EXPECT_EQ(ft.ftSize, 2048u);
-    EXPECT_FLOAT_EQ(ft.weights[kWeightExponential], 0.3f);
+    // Everything else written comes back as it was: the same document writes the same tree.
+    plist::Ref before(buildDocumentTree(doc)), after(buildDocumentTree(*read.document));
+    EXPECT_EQ(plist::write(after.get()), plist::write(before.get()));
 }
 
 TEST_F(DocumentFile, NewerReadVersionIsRefused) {
@@ -161,13 +139,10 @@ TEST_F(DocumentFile, FileThatCannotBeCreatedKeepsThePreviousDocument) {
     EXPECT_EQ(r.text, "Failed to Create the File");
     EXPECT_EQ(testdata::readFile(path), before);
     EXPECT_FALSE(fs::exists(dir_ + "/ser.back"));
-}
-
-TEST_F(DocumentFile, SaveIntoAMissingFolderFails) {
-    const SpectrumDocument doc = sampleDocument(dir_);
-    const SaveResult r = saveDocument(doc, dir_ + "/missing/ser.zolt", false);
-    EXPECT_FALSE(r.ok);
-    EXPECT_EQ(r.caption, "There was a System Error");
+    // Nor can a file in a missing folder.
+    const SaveResult missing = saveDocument(doc, dir_ + "/missing/ser.zolt", false);
+    EXPECT_FALSE(missing.ok);
+    EXPECT_EQ(missing.caption, "There was a System Error");
 }
 
 TEST_F(DocumentFile, MovedRawDataAreFoundByTheDocumentName) {
