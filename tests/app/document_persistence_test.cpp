@@ -40,16 +40,11 @@ void expectSameMatrix(const SpectrumMatrix& a, const SpectrumMatrix& b, double t
     EXPECT_EQ(a.contiguous, b.contiguous);
     EXPECT_EQ(a.state, b.state);
     for (int f = 0; f <= 3; ++f) EXPECT_EQ(a.dims[f].points, b.dims[f].points) << f;
-    const double scale = maxAbs(a.re);
-    size_t worst = 0;
-    double worstDiff = 0.0;
-    for (size_t i = 0; i < a.re.size(); ++i) {
-        const double d = std::fabs(double{a.re[i]} - b.re[i]);
-        if (d > worstDiff) worstDiff = d, worst = i;
-    }
-    EXPECT_LE(worstDiff, tolerance * scale) << "at " << worst;
+    const double limit = tolerance * maxAbs(a.re);
+    for (size_t i = 0; i < a.re.size(); ++i)
+        ASSERT_LE(std::fabs(double{a.re[i]} - b.re[i]), limit) << i;
     for (size_t i = 0; i < a.im.size(); ++i)
-        ASSERT_LE(std::fabs(double{a.im[i]} - b.im[i]), tolerance * scale) << i;
+        ASSERT_LE(std::fabs(double{a.im[i]} - b.im[i]), limit) << i;
 }
 
 class DocumentPersistence : public ::testing::Test {
@@ -57,7 +52,7 @@ protected:
     testing::RecordingPlatform platform;
 };
 
-TEST_F(DocumentPersistence, TransformedAspirinReopensValueForValue) {
+TEST_F(DocumentPersistence, ProcessedAspirinReopensValueForValue) {
     const std::string dir = copyOf("aspirin-1h");
     SpectrumMatrix before;
     {
@@ -69,24 +64,15 @@ TEST_F(DocumentPersistence, TransformedAspirinReopensValueForValue) {
         ASSERT_TRUE(app.save(doc));
         EXPECT_EQ(doc.documentPath, dir + "/fid.zolt");
     }
-    Application app(platform);
-    ASSERT_EQ(app.open(dir), 1);
-    const SpectrumDocument& doc = *app.frontDocument();
-    EXPECT_EQ(doc.source.highestTIndex, 0);
-    EXPECT_EQ(doc.processing.doneMask & done_mask::transformed(1), done_mask::transformed(1));
-    expectSameMatrix(before, doc.matrix, 0.0);
-    EXPECT_TRUE(platform.boxes.empty());
-}
-
-TEST_F(DocumentPersistence, PhasedAndFlattenedAspirinReopensTheSame) {
-    const std::string dir = copyOf("aspirin-1h");
-    SpectrumMatrix before;
     std::string savedText;
     {
         Application app(platform);
         ASSERT_EQ(app.open(dir), 1);
         SpectrumDocument& doc = *app.frontDocument();
-        transformNextDimension(doc);
+        EXPECT_EQ(doc.source.highestTIndex, 0);
+        EXPECT_EQ(doc.processing.doneMask & done_mask::transformed(1), done_mask::transformed(1));
+        expectSameMatrix(before, doc.matrix, 0.0);
+        // Phased and flattened on top of the replayed transform.
         ASSERT_TRUE(autoPhase(doc.matrix, doc.source.highestTIndex));
         BaseplaneStep poly;
         poly.function = 1;
@@ -103,6 +89,7 @@ TEST_F(DocumentPersistence, PhasedAndFlattenedAspirinReopensTheSame) {
     // Saving the reopened document writes the same file.
     ASSERT_TRUE(app.save(*app.frontDocument()));
     EXPECT_EQ(testdata::readFile(dir + "/fid.zolt"), savedText);
+    EXPECT_TRUE(platform.boxes.empty());
 }
 
 TEST_F(DocumentPersistence, TransformedHsqcReopensTheSame) {
