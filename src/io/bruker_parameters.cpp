@@ -193,6 +193,12 @@ ProcessingParameters parseProcessingParameters(std::string_view text) {
     p.stsr = clampToInt(v[5].integer);
     p.swP = v[6].real;
     p.xdim = clampToInt(v[7].integer);
+    const ParameterValue wdw = findParameter(text, {"##$WDW=", K::Integer});
+    p.windowFound = wdw.found;
+    p.wdw = clampToInt(wdw.integer);
+    p.lb = findParameter(text, {"##$LB=", K::Real}).real;
+    p.gb = findParameter(text, {"##$GB=", K::Real}).real;
+    p.ssb = findParameter(text, {"##$SSB=", K::Real}).real;
     return p;
 }
 

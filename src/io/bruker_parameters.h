@@ -82,6 +82,12 @@ struct ProcessingParameters {
     int stsr = 0;
     double swP = 0.0;  // Hz
     int xdim = 0;
+    // The window and its parameters (plain searches, outside the merge walk).
+    bool windowFound = false;
+    int wdw = 0;       // 0 none, 1 EM, 2 GM, 3 SINE, 4 QSINE, others not taken over
+    double lb = 0.0;   // Hz
+    double gb = 0.0;   // fraction of the acquisition time
+    double ssb = 0.0;  // the sine bells start at pi / SSB
 };
 ProcessingParameters parseProcessingParameters(std::string_view text);
 

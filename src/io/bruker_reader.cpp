@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
+#include <numbers>
 
 #include "io/bruker_layout.h"
 #include "io/bruker_pulse_program.h"
@@ -14,7 +16,8 @@ namespace {
 
 constexpr uint64_t kRowAlignment = 1024;  // ser rows start on 1 kB boundaries
 constexpr int kMaxTileWidth = 1024;
-constexpr int kMaxTileHeight = 255;  // what the 8-bit sub-matrix height holds
+constexpr int kMaxTileHeight = 255;         // what the 8-bit sub-matrix height holds
+constexpr uint8_t kBrukerEchoAntiEcho = 6;  // FnMODE
 
 // Sizes and blocks of an FID or a ser file. False when a row would not fit the 32-bit fields.
 bool setRawSizes(const BrukerLayout& layout, const AcquisitionParameters& direct,
@@ -72,11 +75,37 @@ void borrowLowestPpm(SpectrumSource& s, int n) {
     }
 }
 
-// procs, proc2s, proc3s: the offset, the spectrometer's phases and, for processed data, the
-// stored region and its tiling.
-bool applyProcessing(const BrukerLayout& layout, SpectrumSource& s) {
+VendorProcessing vendorProcessing(const ProcessingParameters& p) {
+    VendorProcessing v;
+    v.present = p.windowFound || p.si > 0;
+    v.window = p.windowFound ? p.wdw : 0;
+    v.lineBroadening = p.lb;
+    v.gaussianFraction = p.gb;
+    v.sineBellDivisor = p.ssb;
+    v.ftSize = p.si;
+    return v;
+}
+
+// Bruker combines echo and anti-echo with the anti-echo's sign opposite to the one our
+// recombination expects, so the PHC0 it keeps for the axis transformed just before (whose
+// real and imaginary parts the recombination consumes) is a quarter turn from the phase that
+// makes that axis absorptive here.
+void turnBeforeEchoAntiEcho(SpectrumSource& s, int n, const std::array<bool, 4>& phaseRead) {
+    for (int f = 1; f < n; ++f) {
+        if (s.ftPreferences[f] != kBrukerEchoAntiEcho || !phaseRead[f + 1]) continue;
+        DimensionRecord& d = s.dims[f + 1];
+        d.phase0 = static_cast<float>(
+            std::remainder(double{d.phase0} + std::numbers::pi / 2.0, 2.0 * std::numbers::pi));
+    }
+}
+
+// procs, proc2s, proc3s: the offset, the spectrometer's phases, its window and FT size and,
+// for processed data, the stored region and its tiling.
+bool applyProcessing(const BrukerLayout& layout, SpectrumSource& s,
+                     std::array<VendorProcessing, 4>& vendor) {
     const int n = layout.dimensions;
     int tileWidth = 0;
+    std::array<bool, 4> phaseRead{};
     for (int i = 0; i < n && i < static_cast<int>(layout.processingFiles.size()); ++i) {
         const auto text = readParameterFile(layout.processingFiles[i]);
         if (!text) continue;
@@ -86,9 +115,11 @@ bool applyProcessing(const BrukerLayout& layout, SpectrumSource& s) {
         if (i == 0 && d.lowestPpm == 0.0f && p.offsetFound)
             d.lowestPpm = static_cast<float>(p.offset - d.spectralWidth);
         if (!layout.processed) {
+            vendor[f] = vendorProcessing(p);
             if (n > 1) {
                 d.phase0 = static_cast<float>(p.phc0 * kDegreesToStoredRadians);
                 d.phase1 = static_cast<float>(p.phc1 * kDegreesToStoredRadians);
+                phaseRead[f] = true;
             }
             continue;
         }
@@ -111,6 +142,7 @@ bool applyProcessing(const BrukerLayout& layout, SpectrumSource& s) {
         if (i == 1 && tileWidth && p.xdim != tileWidth && p.xdim >= 1 && p.xdim <= kMaxTileHeight)
             s.subMatrixHeight = static_cast<uint8_t>(p.xdim);
     }
+    if (!layout.processed) turnBeforeEchoAntiEcho(s, n, phaseRead);
     if (layout.processed && n > 1 && !(s.flags & source_flags::kBlockMatrix)) {
         const uint64_t row = uint64_t{4} * s.dims[n].points;
         if (row == 0 || row > std::numeric_limits<uint32_t>::max()) return false;
@@ -171,7 +203,7 @@ std::optional<BrukerRead> readBrukerLayout(const BrukerLayout& layout) {
         for (DimensionRecord& d : s.dims) d.pointsAfterNus = 0;
     }
     borrowLowestPpm(s, n);
-    if (!applyProcessing(layout, s)) return std::nullopt;
+    if (!applyProcessing(layout, s, r.vendorProcessing)) return std::nullopt;
     if (layout.arrayedSecondAxis && n == 2) makePseudoDimension(s.dims[1], s.dims[1].points);
     for (int f = 1; f <= n; ++f)
         if (s.dims[f].points == 0) return std::nullopt;

@@ -2,6 +2,7 @@
 // ParaVision (acqp). Reads parameters only; the raw-data loader reads the numbers.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 
@@ -25,6 +26,8 @@ struct BrukerRead {
     SpectrumSource source;
     SampleMetadata metadata;  // title, solvent, pulse sequence
     AcquisitionInfo info;
+    // WDW, LB, GB, SSB and SI of each axis' processing file, by f-index (raw data only).
+    std::array<VendorProcessing, 4> vendorProcessing{};
 };
 
 // Every read source is ready for the loader: provenance ("Bruker", "ParaVision", "Win-NMR"),

@@ -30,6 +30,17 @@ struct WindowState {
     std::array<int, 4> bounds{};  // left, top, right, bottom in the frame's client area
 };
 
+// The weighting and transform size the spectrometer's own software used for one axis (Bruker
+// procs, proc2s, proc3s): a newly read document starts its Fourier-transform steps from them.
+struct VendorProcessing {
+    bool present = false;
+    int window = 0;  // 0 none, 1 exponential, 2 gaussian, 3 sine bell, 4 squared sine bell
+    double lineBroadening = 0.0;    // Hz; negative with the gaussian
+    double gaussianFraction = 0.0;  // where the gaussian peaks, a fraction of the acquisition
+    double sineBellDivisor = 0.0;   // the bells start at pi / divisor (0 or 1: a pure sine)
+    int ftSize = 0;                 // complex points
+};
+
 // Bits of a document's flags word.
 namespace document_flags {
 inline constexpr uint32_t kCustomWorkflow = 0x4000;
@@ -49,6 +60,8 @@ struct SpectrumDocument {
     // The document file it was opened from or last saved to; empty for a new document.
     std::string documentPath;
     uint32_t flags = 0;  // document_flags
+    // The spectrometer's own processing of each axis (by f-index), when the reader found it.
+    std::array<VendorProcessing, 4> vendorProcessing{};
 };
 
 }  // namespace zolt

@@ -167,13 +167,37 @@ TEST(BrukerReaderData, MultidimensionalRawDataTakeTheSpectrometerPhases) {
     const auto stored = [](double degrees) {
         return static_cast<float>(degrees * kDegreesToStoredRadians);
     };
-    EXPECT_FLOAT_EQ(r->source.dims[2].phase0, stored(240.3139));
+    // f1 is echo / anti-echo: Bruker's PHC0 of f2 refers to its own combination of the pair,
+    // a quarter turn from ours.
+    EXPECT_NEAR(r->source.dims[2].phase0, stored(240.3139 - 90.0), 1e-6);
     EXPECT_FLOAT_EQ(r->source.dims[2].phase1, stored(3.961444));
     EXPECT_FLOAT_EQ(r->source.dims[1].phase0, stored(-177.2868));
     EXPECT_EQ(atom(r->source.dims[1]), "C");
     EXPECT_EQ(r->metadata.pulseSequence, "hsqcedetgpsp.3");
     // One-dimensional raw data keep their phases at zero.
     EXPECT_EQ(readSet("aspirin-1h")->source.dims[1].phase0, 0.0f);
+}
+
+TEST(BrukerReaderData, EachAxisCarriesTheSpectrometersWindowAndSize) {
+    const auto proton = readSet("naphtoicAcid-1h");
+    ASSERT_TRUE(proton);
+    const VendorProcessing& v = proton->vendorProcessing[1];
+    EXPECT_TRUE(v.present);
+    EXPECT_EQ(v.window, 1);
+    EXPECT_DOUBLE_EQ(v.lineBroadening, 0.5);
+    EXPECT_EQ(v.ftSize, 131072);
+    const auto hsqc = readSet("cyclosporin-hsqc");
+    ASSERT_TRUE(hsqc);
+    for (int f : {1, 2}) {
+        EXPECT_EQ(hsqc->vendorProcessing[f].window, 4) << f;
+        EXPECT_DOUBLE_EQ(hsqc->vendorProcessing[f].sineBellDivisor, 2.0) << f;
+        EXPECT_EQ(hsqc->vendorProcessing[f].ftSize, 1024) << f;
+    }
+    EXPECT_FALSE(hsqc->vendorProcessing[3].present);
+    // Processed data are not transformed again.
+    BrukerReadOptions processed;
+    processed.processed = true;
+    EXPECT_FALSE(readSet("aspirin-1h-processed", processed)->vendorProcessing[1].present);
 }
 
 TEST(BrukerReaderData, ArrayedSeriesAreFrequencyAxesUnlessReadAsThreeDimensional) {
