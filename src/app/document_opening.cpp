@@ -163,6 +163,7 @@ std::unique_ptr<SpectrumDocument> readDocument(const std::string& path, const Pr
     auto doc = std::make_unique<SpectrumDocument>();
     doc->source = std::move(s);
     doc->metadata = std::move(read->metadata);
+    doc->vendorProcessing = read->vendorProcessing;
     doc->matrix = std::move(*matrix);
     doc->windowName = windowNameFor(doc->source);
     addDefaultFourierTransformSteps(*doc);

@@ -32,13 +32,15 @@ inline constexpr uint8_t kVarianCoefficients = 0x22;  // f1coef tables 1-4
 }  // namespace indirect_mode
 
 // The step of one axis: shuffling, quadrature, real FT, conjugation and hypercomplex flags
-// from its code, "apply weights" on with no function present, and the FT size: the next power
-// of two of the complex points (direct axis), twice the recombined points (indirect axes).
+// from its code, "apply weights" on, and the window and FT size the spectrometer's own
+// processing used when `vendor` is given; otherwise no window function and the next power of
+// two of the complex points (direct axis) or twice the recombined points (indirect axes).
 // Nothing for an axis that is absent or a pseudo-dimension.
-std::optional<FourierTransformStep> defaultFourierTransformStep(const SpectrumSource& source,
-                                                                int fIndex);
+std::optional<FourierTransformStep> defaultFourierTransformStep(
+    const SpectrumSource& source, int fIndex, const VendorProcessing* vendor = nullptr);
 
-// Appends the default step of every time-domain axis that has no Fourier-transform step yet.
+// Appends the default step of every time-domain axis that has no Fourier-transform step yet,
+// from the document's vendor processing where the reader found one.
 void addDefaultFourierTransformSteps(SpectrumDocument& doc);
 
 // The Fourier-transform step of fIndex in the record, or null.

@@ -91,6 +91,53 @@ TEST(FtDefaults, PseudoAxesGetNoStepAndExistingStepsStay) {
     EXPECT_EQ(findFourierTransformStep(doc.processing, 1)->ftSize, 512u);
 }
 
+VendorProcessing vendor(int window, int size, double lb = 0.0, double gb = 0.0, double ssb = 0.0) {
+    return VendorProcessing{true, window, lb, gb, ssb, size};
+}
+
+TEST(FtDefaults, TheSpectrometersWindowAndSizeAreTakenOver) {
+    const auto s = twoD(6, 256);
+    const auto exponential = defaultFourierTransformStep(s, 2, nullptr);
+    EXPECT_EQ(exponential->ftSize, 1024u);  // the next power of two of 1000 points
+    const auto em = vendor(1, 4096, 0.5);
+    auto step = defaultFourierTransformStep(s, 2, &em);
+    EXPECT_EQ(step->ftSize, 4096u);
+    EXPECT_EQ(step->flags & kAnyWeighting, kExponential);
+    EXPECT_FLOAT_EQ(step->weights[kWeightExponential], 0.5f);
+    // SSB n starts the bells at pi/n; 0 and 1 are a pure sine.
+    const auto qsine = vendor(4, 1024, 0.0, 0.0, 2.0), sine = vendor(3, 1024, 0.0, 0.0, 1.0);
+    step = defaultFourierTransformStep(s, 1, &qsine);
+    EXPECT_EQ(step->flags & kAnyWeighting, kSquaredSineBell);
+    EXPECT_FLOAT_EQ(step->weights[kWeightSquaredSine], 90.0f);
+    EXPECT_EQ(step->shuffling, Shuffling::EchoAntiEcho);  // the flags still follow FnMODE
+    step = defaultFourierTransformStep(s, 1, &sine);
+    EXPECT_EQ(step->flags & kAnyWeighting, kSineBell);
+    EXPECT_FLOAT_EQ(step->weights[kWeightSineBell], 0.0f);
+    // Sizes outside 32 ... 1 M and windows without a counterpart keep the defaults.
+    for (const auto& odd : {vendor(0, 16), vendor(7, 1 << 21), vendor(1, 0, 0.3)}) {
+        step = defaultFourierTransformStep(s, 2, &odd);
+        EXPECT_EQ(step->ftSize, 1024u);
+        EXPECT_EQ(step->flags & kAnyWeighting, odd.window == 1 ? kExponential : 0);
+    }
+}
+
+TEST(FtDefaults, LorentzToGaussBecomesSharpeningAndAGaussian) {
+    // 1000 points over 10 ppm at 100 MHz: AQ = 1 s. LB -1 Hz, maximum at 0.25 s:
+    // b = pi / (2 * 0.25) = 2 pi per s^2, gb = 2/pi sqrt(2 pi ln 2) = 1.3286 Hz.
+    auto s = twoD(6, 256);
+    s.dims[2].spectralWidth = 10.0f;
+    s.dims[2].carrier = 100.0f;
+    const auto gm = vendor(2, 1024, -1.0, 0.25);
+    const auto step = defaultFourierTransformStep(s, 2, &gm);
+    EXPECT_EQ(step->flags & kAnyWeighting, kExponential | kGaussian);
+    EXPECT_FLOAT_EQ(step->weights[kWeightExponential], -1.0f);
+    EXPECT_NEAR(step->weights[kWeightGaussian], 2.0 / M_PI * std::sqrt(2.0 * M_PI * std::log(2.0)),
+                1e-4);
+    // Without a valid maximum only the broadening is left.
+    const auto plain = vendor(2, 1024, -1.0, 0.0);
+    EXPECT_EQ(defaultFourierTransformStep(s, 2, &plain)->flags & kAnyWeighting, kExponential);
+}
+
 // ---- every experiment of the test data against the spectrometer's own processing ----
 
 struct Peak {

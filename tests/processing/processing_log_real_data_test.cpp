@@ -39,16 +39,21 @@ constexpr uint32_t kBothTransformed = kF1Transformed | kF2Transformed;
 
 TEST(ProcessingLogRealData, EchoAntiEchoHsqcNamesItsShufflingOnF1) {
     // f2: TD 1024 (512 complex points, AQ_mod DQD); f1: TD 256 read as 128 echo / anti-echo
-    // pairs (FnMODE 6) and zero-filled to twice that.
+    // pairs (FnMODE 6). Both axes take the spectrometer's processing: squared cosine bells
+    // (WDW 4, SSB 2) and 1024 points (SI).
     auto doc = open("cyclosporin-hsqc");
     ASSERT_TRUE(doc);
     transformBoth(*doc);
     EXPECT_EQ(doc->processing.doneMask, kBothTransformed);
     EXPECT_EQ(logOf(*doc),
               "====  Processing Parameters  ===="
-              "\r\n\r\nFourier Transform along f2 using 512 points\r\n"
+              "\r\n\r\nWeights along f2"
+              "\r\nsquared sine bell shifted by 90.0 degrees"
+              "\r\n\r\nFourier Transform along f2 using 1024 points\r\n"
               "quadrature detection; "
-              "\r\n\r\nFourier Transform along f1 using 256 points\r\n"
+              "\r\n\r\nWeights along f1"
+              "\r\nsquared sine bell shifted by 90.0 degrees"
+              "\r\n\r\nFourier Transform along f1 using 1024 points\r\n"
               "[echo-antiecho]\r\n"
               "quadrature detection; "
               "\r\n\r\n\r\n");
@@ -56,23 +61,28 @@ TEST(ProcessingLogRealData, EchoAntiEchoHsqcNamesItsShufflingOnF1) {
 
 TEST(ProcessingLogRealData, MagnitudeCosyListsConjugationAndMagnitudeOnF1) {
     // f2: TD 2048 (1024 complex points); f1: TD 128 of one phase-modulated signal (FnMODE QF),
-    // zero-filled to 256 and shown in magnitude.
+    // shown in magnitude. Both axes take the spectrometer's sine bells (WDW 3, SSB 0) and its
+    // 1024 points.
     auto doc = open("cyclosporin-cosy");
     ASSERT_TRUE(doc);
     transformBoth(*doc);
     EXPECT_EQ(doc->processing.doneMask, kBothTransformed);
     EXPECT_EQ(logOf(*doc),
               "====  Processing Parameters  ===="
+              "\r\n\r\nWeights along f2"
+              "\r\nsine bell shifted by 0.0 degrees"
               "\r\n\r\nFourier Transform along f2 using 1024 points\r\n"
               "quadrature detection; "
-              "\r\n\r\nFourier Transform along f1 using 256 points\r\n"
+              "\r\n\r\nWeights along f1"
+              "\r\nsine bell shifted by 0.0 degrees"
+              "\r\n\r\nFourier Transform along f1 using 1024 points\r\n"
               "quadrature detection; conjugation; magnitude representation; "
               "\r\n\r\n\r\n");
 }
 
 TEST(ProcessingLogRealData, WeightsChosenBeforeTheTransformPrecedeEachAxis) {
-    // What a user sets for a COSY: a sine bell on f2 and a squared, shifted one with a cut and a
-    // halved first point on f1; f2 zero-filled to 2048.
+    // What a user adds for a COSY to the spectrometer's sine bells: broadening on f2 and a
+    // squared, shifted bell with a cut and a halved first point on f1; f2 zero-filled to 2048.
     auto doc = open("cyclosporin-cosy");
     ASSERT_TRUE(doc);
     using namespace ft_flags;
@@ -97,10 +107,11 @@ TEST(ProcessingLogRealData, WeightsChosenBeforeTheTransformPrecedeEachAxis) {
               "\r\n\r\nFourier Transform along f2 using 2048 points\r\n"
               "quadrature detection; "
               "\r\n\r\nWeights along f1"
+              "\r\nsine bell shifted by 0.0 degrees"
               "\r\nsquared sine bell shifted by 30.0 degrees"
               "\r\ncut after 87.5%"
               "\r\nfirst point multiplied by 0.5"
-              "\r\n\r\nFourier Transform along f1 using 256 points\r\n"
+              "\r\n\r\nFourier Transform along f1 using 1024 points\r\n"
               "quadrature detection; conjugation; magnitude representation; "
               "\r\n\r\n\r\n");
 }
@@ -113,7 +124,9 @@ TEST(ProcessingLogRealData, OnlyTheTransformedAxisIsLogged) {
     EXPECT_EQ(doc->processing.doneMask, kF2Transformed);
     EXPECT_EQ(logOf(*doc),
               "====  Processing Parameters  ===="
-              "\r\n\r\nFourier Transform along f2 using 512 points\r\n"
+              "\r\n\r\nWeights along f2"
+              "\r\nsquared sine bell shifted by 90.0 degrees"
+              "\r\n\r\nFourier Transform along f2 using 1024 points\r\n"
               "quadrature detection; "
               "\r\n\r\n\r\n");
 }
