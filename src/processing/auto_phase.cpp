@@ -406,9 +406,79 @@ AutoPhaseResult phaseAlong(const Quadrants& q, const std::vector<CrossPeak>& pea
 
 }  // namespace
 
+namespace {
+
+// Without halves the real and imaginary arrays hold the complex pairs of f1, the axis
+// transformed last; the f2 imaginary parts went into the f1 recombination. Only f1 can be
+// phased: its columns through the strongest peaks (local maxima of the modulus) are given to
+// the asymmetry criterion, which does not mind the sign of a line.
+std::optional<AutoPhase2DResult> phaseIndirectOnly(SpectrumMatrix& m, int highestTIndex,
+                                                   size_t maxPeaks) {
+    const size_t n1 = m.dims[1].points, n2 = m.dims[2].points, total = m.pointCount();
+    const size_t s1 = axisWalk(m, 1, total).inner, s2 = axisWalk(m, 2, total).inner;
+    const auto power = [&](size_t i1, size_t i2) {
+        const size_t i = i1 * s1 + i2 * s2;
+        return double{m.re[i]} * m.re[i] + double{m.im[i]} * m.im[i];
+    };
+    std::vector<CrossPeak> peaks;
+    const size_t margin = kHalfLine + 2;
+    AutoPhase2DResult result;
+    if (n1 <= 2 * margin || n2 < 3) return result;
+    for (size_t i1 = margin; i1 < n1 - margin; ++i1) {
+        for (size_t i2 = 1; i2 + 1 < n2; ++i2) {
+            const double p = power(i1, i2);
+            bool top = p > 0.0;
+            for (int d1 = -1; d1 <= 1 && top; ++d1)
+                for (int d2 = -1; d2 <= 1 && top; ++d2)
+                    if ((d1 || d2) && power(i1 + d1, i2 + d2) > p) top = false;
+            if (top) peaks.push_back({p, i1, i2});
+        }
+    }
+    const size_t keep = std::min(maxPeaks, peaks.size());
+    std::partial_sort(peaks.begin(), peaks.begin() + keep, peaks.end(),
+                      [](const CrossPeak& a, const CrossPeak& b) { return a.power > b.power; });
+    peaks.resize(keep);
+    if (peaks.empty()) return result;
+    std::vector<std::vector<float>> re(keep, std::vector<float>(n1)),
+        im(keep, std::vector<float>(n1));
+    std::vector<PhaseSlice> slices;
+    for (size_t p = 0; p < keep; ++p) {
+        for (size_t k = 0; k < n1; ++k) {
+            re[p][k] = m.re[k * s1 + peaks[p].i2 * s2];
+            im[p][k] = m.im[k * s1 + peaks[p].i2 * s2];
+        }
+        slices.push_back({re[p].data(), im[p].data(), peaks[p].i1});
+    }
+    result.indirect = estimatePhaseFromSlices(slices, n1);
+    changePhase(m, highestTIndex, 1, result.indirect.delta0, result.indirect.delta1);
+    // The asymmetry cannot tell a plane from its negative; the strongest peaks are taken to be
+    // mostly upright.
+    double upright = 0.0;
+    for (const auto& p : peaks) upright += m.re[p.i1 * s1 + p.i2 * s2];
+    if (upright < 0.0) {
+        changePhase(m, highestTIndex, 1, kPi, 0.0);
+        result.indirect.delta0 += kPi;
+    }
+    return result;
+}
+
+}  // namespace
+
 std::optional<AutoPhase2DResult> autoPhase2D(SpectrumMatrix& m, int highestTIndex,
                                              size_t maxPeaks) {
-    if (!hasHypercomplexHalves(m) || halvesComplexAxis(m) != 1 || m.realOnly()) return std::nullopt;
+    if (m.realOnly()) return std::nullopt;
+    if (!hasHypercomplexHalves(m)) {
+        const size_t total = m.pointCount();
+        if (m.dims[3].points > 1 || highestTIndex >= 1 || m.dims[1].points < 2 ||
+            m.dims[2].points < 2 || m.re.size() < total || m.im.size() < total)
+            return std::nullopt;
+        if (m.state & matrix_state::kMagnitude) {
+            togglePolar(m.re.data(), m.im.data(), total, false);
+            m.state &= ~matrix_state::kMagnitude;
+        }
+        return phaseIndirectOnly(m, highestTIndex, maxPeaks);
+    }
+    if (halvesComplexAxis(m) != 1) return std::nullopt;
     const size_t n1 = m.dims[1].points, n2 = m.dims[2].points;
     const size_t total = m.pointCount();
     if (m.dims[3].points > 1 || highestTIndex >= 1 || m.re.size() < total || m.im.size() < total)

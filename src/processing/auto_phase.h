@@ -49,12 +49,14 @@ struct AutoPhase2DResult {
     AutoPhaseResult indirect;  // f1
 };
 
-// `aph` on a 2-D spectrum with hypercomplex halves. The strongest cross peaks (local maxima of
+// `aph` on a 2-D spectrum. With hypercomplex halves the strongest cross peaks (local maxima of
 // the hypercomplex modulus) are taken as given peaks: each one's row along f2 is combined from
 // the f1-real and f1-imaginary rows with the weights of the peak point, which removes the f1
 // phase and leaves a real multiple of the f2 line; the f2 phase follows from the asymmetry
 // criterion, which does not mind the sign of a line (edited spectra have negative ones). Then
-// the same along f1 on the columns. Empty without halves.
+// the same along f1 on the columns. Without halves only f1 is phased, on the columns through
+// the strongest peaks of the modulus: the f2 imaginary parts were consumed by the f1
+// recombination, so f2 keeps the phase its own transform applied (`direct` stays zero).
 std::optional<AutoPhase2DResult> autoPhase2D(SpectrumMatrix& m, int highestTIndex,
                                              size_t maxPeaks = 24);
 

@@ -77,7 +77,9 @@ int weight(lua_State* L) {
 }
 
 // Phase found automatically after a transform: 1-D spectra with imaginary parts whose stored
-// phase is still untouched (a spectrometer phase read with the data is kept).
+// phase is still untouched (a spectrometer phase read with the data is kept). A 2-D source does
+// not qualify: after its f2 transform the rows are still time signals along f1, and the first
+// of them alone (edited lines of both signs, echo and anti-echo) is no guide to the f2 phase.
 bool wantsAutomaticPhase(const SpectrumDocument& d, const FourierTransformStep& step) {
     const SpectrumMatrix& m = d.matrix;
     return countDimensions(d.source) == 1 && d.source.highestTIndex == 0 && step.ftSize != 0 &&
