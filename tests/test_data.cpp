@@ -1,5 +1,6 @@
 #include "test_data.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -7,9 +8,16 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "app/document_opening.h"
+#include "io/bruker_reader.h"
+#include "io/raw_loader.h"
+#include "processing/ft_pipeline.h"
+
 namespace zolt::testdata {
 
-std::string root() { return ZOLT_TESTDATA_DIR; }
+std::string root() {
+    return ZOLT_TESTDATA_DIR;
+}
 
 std::string bruker(const std::string& name) {
     static const std::map<std::string, std::string> folders = {
@@ -57,6 +65,94 @@ std::string readFile(const std::string& path) {
     std::ostringstream s;
     s << in.rdbuf();
     return s.str();
+}
+
+std::unique_ptr<SpectrumDocument> openExperiment(const std::string& name) {
+    OpenFailure failure;
+    return readDocument(bruker(name), Preferences{}, failure);
+}
+
+bool transformAll(SpectrumDocument& doc) {
+    while (doc.source.highestTIndex > 0)
+        if (transformNextDimension(doc).outcome != FtOutcome::Transformed) return false;
+    return true;
+}
+
+std::optional<SpectrumMatrix> vendorSpectrum(const std::string& name) {
+    BrukerReadOptions processed;
+    processed.processed = true;
+    const auto read = readBrukerFolder(bruker(name), processed);
+    // Without processed files the reader falls back to the time-domain data.
+    if (!read || !(read->source.flags & source_flags::kRealOnly)) return std::nullopt;
+    auto m = loadMatrix(read->source);
+    if (!m) return std::nullopt;
+    // 1i has the layout of 1r: the same reading gives the imaginary parts.
+    SpectrumSource imaginary = read->source;
+    imaginary.rawPath = std::filesystem::path(imaginary.rawPath).replace_filename("1i").string();
+    if (countDimensions(read->source) == 1 && std::filesystem::exists(imaginary.rawPath))
+        if (auto im = loadMatrix(imaginary); im && im->re.size() == m->re.size()) {
+            m->im = std::move(im->re);
+            m->state &= ~matrix_state::kRealOnly;
+        }
+    return m;
+}
+
+double correlationOverPpm(const SpectrumMatrix& a, const SpectrumMatrix& b, bool moduli) {
+    auto value = [&](const SpectrumMatrix& m, size_t i) -> double {
+        return moduli ? std::hypot(m.re[i], m.im[i]) : m.re[i];
+    };
+    const double lo = b.dims[1].lowestPpm, hi = lo + b.dims[1].spectralWidth;
+    std::vector<double> x, y;
+    for (size_t i = 0; i < a.dims[1].points; ++i) {
+        const double ppm = ppmOfPoint(a.dims[1], static_cast<double>(i));
+        if (ppm <= lo || ppm >= hi) continue;
+        x.push_back(value(a, i));
+        y.push_back(value(b, static_cast<size_t>(pointOfPpm(b.dims[1], ppm))));
+    }
+    return correlation(x, y);
+}
+
+double negativeShare(const std::vector<float>& re) {
+    double positive = 0.0, negative = 0.0;
+    for (float v : re) (v > 0 ? positive : negative) += v;
+    return -negative / positive;
+}
+
+int directAxis(const SpectrumMatrix& m) {
+    return m.dims[2].points > 1 ? 2 : 1;
+}
+
+size_t pointIndex(const SpectrumMatrix& m, size_t y, size_t x) {
+    if (directAxis(m) == 1) return x;
+    return m.contiguous == 1 ? x * m.dims[1].points + y : y * m.dims[2].points + x;
+}
+
+std::vector<Peak> strongestPeaks(const SpectrumMatrix& m, size_t count, bool modulus,
+                                 size_t margin) {
+    const int direct = directAxis(m);
+    const size_t nx = m.dims[direct].points, ny = direct == 2 ? m.dims[1].points : 1;
+    const size_t my = ny > 1 ? margin : 0;
+    auto at = [&](size_t y, size_t x) {
+        const size_t i = pointIndex(m, y, x);
+        return modulus ? std::hypot(m.re[i], m.im[i]) : std::fabs(m.re[i]);
+    };
+    std::vector<Peak> peaks;
+    for (size_t y = my; y + my < ny; ++y)
+        for (size_t x = margin; x + margin < nx; ++x) {
+            const double v = at(y, x);
+            bool top = v > 0.0;
+            for (int a = -1; a <= 1 && top; ++a) {
+                if ((y == 0 && a < 0) || y + a >= ny) continue;
+                for (int b = -1; b <= 1 && top; ++b)
+                    if ((a || b) && at(y + a, x + b) > v) top = false;
+            }
+            if (top)
+                peaks.push_back({y, x, direct == 2 ? ppmOfPoint(m.dims[1], double(y)) : 0.0,
+                                 ppmOfPoint(m.dims[direct], double(x)), v});
+        }
+    std::sort(peaks.begin(), peaks.end(), [](auto& a, auto& b) { return a.height > b.height; });
+    if (peaks.size() > count) peaks.resize(count);
+    return peaks;
 }
 
 }  // namespace zolt::testdata

@@ -1,7 +1,14 @@
-// Where the tests find real spectrometer data.
+// Where the tests find real spectrometer data, and what they measure on it.
 #pragma once
 
+#include <cmath>
+#include <cstddef>
+#include <memory>
+#include <optional>
 #include <string>
+#include <vector>
+
+#include "model/spectrum_document.h"
 
 namespace zolt::testdata {
 
@@ -19,5 +26,44 @@ std::string cliPath();
 // A fresh empty folder under the system's temporary folder.
 std::string freshTempDir(const std::string& tag);
 std::string readFile(const std::string& path);
+
+// A test set opened as the program opens a folder: read, completed, with the default transform
+// steps taken from the spectrometer's window and size. Nothing when it cannot be read.
+std::unique_ptr<SpectrumDocument> openExperiment(const std::string& name);
+// Every remaining time-domain axis transformed; false as soon as one is not.
+bool transformAll(SpectrumDocument& doc);
+// The spectrometer's own processed spectrum of a set (pdata/1): the real parts, and for 1-D
+// spectra the imaginary parts of 1i as well. Nothing when the set keeps no processed data.
+std::optional<SpectrumMatrix> vendorSpectrum(const std::string& name);
+
+// Pearson correlation of two equally long series.
+template <class A, class B>
+double correlation(const A& a, const B& b) {
+    double sa = 0, sb = 0, saa = 0, sbb = 0, sab = 0;
+    const double n = static_cast<double>(a.size());
+    for (size_t i = 0; i < a.size(); ++i) {
+        const double x = a[i], y = b[i];
+        sa += x, sb += y, saa += x * x, sbb += y * y, sab += x * y;
+    }
+    return (sab - sa * sb / n) / std::sqrt((saa - sa * sa / n) * (sbb - sb * sb / n));
+}
+// Correlation of the 1-D spectrum a with b's nearest point at the same ppm, over the range both
+// cover: of the real parts, or of the moduli.
+double correlationOverPpm(const SpectrumMatrix& a, const SpectrumMatrix& b, bool moduli = false);
+// Minus the sum of the negative real values over the sum of the positive ones.
+double negativeShare(const std::vector<float>& re);
+
+// The direct axis: f2 of a 2-D matrix, f1 of a 1-D one.
+int directAxis(const SpectrumMatrix& m);
+// Index of point (y along f1, x along the direct axis) of the first plane; y is 0 for 1-D.
+size_t pointIndex(const SpectrumMatrix& m, size_t y, size_t x);
+struct Peak {
+    size_t y, x;
+    double yPpm, xPpm, height;  // yPpm is 0 for 1-D
+};
+// The tallest local maxima (3 x 3) of the modulus, or of |real|, at least `margin` points from
+// the edges, tallest first.
+std::vector<Peak> strongestPeaks(const SpectrumMatrix& m, size_t count, bool modulus,
+                                 size_t margin = 1);
 
 }  // namespace zolt::testdata

@@ -8,9 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "io/bruker_reader.h"
-#include "io/raw_loader.h"
-#include "processing/ft_pipeline.h"
 #include "test_data.h"
 
 namespace zolt {
@@ -140,71 +137,16 @@ TEST(FtDefaults, LorentzToGaussBecomesSharpeningAndAGaussian) {
 
 // ---- every experiment of the test data against the spectrometer's own processing ----
 
-struct Peak {
-    double f1, f2, height;  // f1 is 0 for 1-D spectra
-};
-
-// Point (k1 along f1, k2 along f2) of a 2-D matrix, or point k2 of a 1-D one.
-double valueAt(const SpectrumMatrix& m, size_t k1, size_t k2, bool modulus) {
-    const size_t n1 = m.dims[1].points, n2 = m.dims[2].points;
-    const size_t i = n2 <= 1 ? k2 : m.contiguous == 1 ? k2 * n1 + k1 : k1 * n2 + k2;
-    return modulus ? std::hypot(m.re[i], m.im[i]) : std::abs(m.re[i]);
-}
-
-// Local maxima (3 x 3) of a 1-D or 2-D matrix whose direct axis is f1 (1-D) or f2.
-std::vector<Peak> localMaxima(const SpectrumMatrix& m, bool modulus, size_t count) {
-    const bool oneD = m.dims[2].points <= 1;
-    const DimensionRecord& x = oneD ? m.dims[1] : m.dims[2];
-    const size_t nx = x.points, ny = oneD ? 1 : m.dims[1].points;
-    auto at = [&](size_t y, size_t k) { return valueAt(m, y, k, modulus); };
-    std::vector<Peak> peaks;
-    for (size_t y = 0; y < ny; ++y)
-        for (size_t k = 1; k + 1 < nx; ++k) {
-            const double v = at(y, k);
-            bool top = true;
-            for (int a = -1; a <= 1 && top; ++a) {
-                if ((y == 0 && a < 0) || y + a >= ny) continue;
-                for (int b = -1; b <= 1 && top; ++b)
-                    if ((a || b) && at(y + a, k + b) > v) top = false;
-            }
-            if (top) peaks.push_back({oneD ? 0.0 : ppmOfPoint(m.dims[1], y), ppmOfPoint(x, k), v});
-        }
-    std::sort(peaks.begin(), peaks.end(), [](auto& a, auto& b) { return a.height > b.height; });
-    if (peaks.size() > count) peaks.resize(count);
-    return peaks;
-}
-
-std::optional<SpectrumDocument> openFid(const std::string& folder) {
-    auto read = readBrukerFolder(folder);
-    if (!read) return std::nullopt;
-    auto matrix = loadMatrix(read->source);
-    if (!matrix) return std::nullopt;
-    SpectrumDocument doc;
-    doc.source = read->source;
-    doc.matrix = std::move(*matrix);
-    addDefaultFourierTransformSteps(doc);
-    while (doc.source.highestTIndex > 0)
-        if (transformNextDimension(doc).outcome != FtOutcome::Transformed) return std::nullopt;
-    return doc;
-}
-
-std::vector<Peak> vendorPeaks(const std::string& folder, size_t count) {
-    auto read = readBrukerFolder(folder, BrukerReadOptions{false, true});
-    if (!read || !(read->source.flags & source_flags::kRealOnly)) return {};
-    auto matrix = loadMatrix(read->source);
-    return matrix ? localMaxima(*matrix, false, count) : std::vector<Peak>{};
-}
-
 // The vendor's peak list (pdata/1/peaklist.xml) where no processed data were kept.
-std::vector<Peak> listedPeaks(const std::string& folder, double share) {
+std::vector<testdata::Peak> listedPeaks(const std::string& folder, double share) {
     const std::string xml = testdata::readFile(folder + "/pdata/1/peaklist.xml");
     const std::regex peak(R"re(<Peak1D F1="([-0-9.]+)" intensity="([-0-9.]+)")re");
-    std::vector<Peak> peaks;
+    std::vector<testdata::Peak> peaks;
     for (std::sregex_iterator i(xml.begin(), xml.end(), peak), end; i != end; ++i)
-        peaks.push_back({0.0, std::stod((*i)[1]), std::stod((*i)[2])});
+        peaks.push_back({0, 0, 0.0, std::stod((*i)[1]), std::stod((*i)[2])});
     double top = 0;
     for (const auto& p : peaks) top = std::max(top, p.height);
-    std::erase_if(peaks, [&](const Peak& p) { return p.height < share * top; });
+    std::erase_if(peaks, [&](const testdata::Peak& p) { return p.height < share * top; });
     return peaks;
 }
 
@@ -220,19 +162,19 @@ class EveryBrukerSet : public testing::TestWithParam<Expectation> {};
 
 TEST_P(EveryBrukerSet, PeaksLandWhereTheSpectrometerPutThem) {
     const auto& e = GetParam();
-    const std::string folder = testdata::bruker(e.name);
-    const auto doc = openFid(folder);
-    ASSERT_TRUE(doc) << e.name;
-    auto expected = vendorPeaks(folder, 8);
-    if (expected.empty()) expected = listedPeaks(folder, 0.3);
+    const auto doc = testdata::openExperiment(e.name);
+    ASSERT_TRUE(doc && testdata::transformAll(*doc)) << e.name;
+    const auto vendor = testdata::vendorSpectrum(e.name);
+    const auto expected = vendor ? testdata::strongestPeaks(*vendor, 8, false)
+                                 : listedPeaks(testdata::bruker(e.name), 0.3);
     ASSERT_FALSE(expected.empty()) << e.name;
-    const auto ours = localMaxima(doc->matrix, true, 400);
+    const auto ours = testdata::strongestPeaks(doc->matrix, 400, true);
     for (const auto& want : expected) {
-        const bool found = std::any_of(ours.begin(), ours.end(), [&](const Peak& p) {
-            return std::abs(p.f2 - want.f2) <= e.f2Tolerance &&
-                   (e.f1Tolerance == 0.0 || std::abs(p.f1 - want.f1) <= e.f1Tolerance);
+        const bool found = std::any_of(ours.begin(), ours.end(), [&](const testdata::Peak& p) {
+            return std::abs(p.xPpm - want.xPpm) <= e.f2Tolerance &&
+                   (e.f1Tolerance == 0.0 || std::abs(p.yPpm - want.yPpm) <= e.f1Tolerance);
         });
-        EXPECT_TRUE(found) << e.name << ": vendor peak at " << want.f1 << " / " << want.f2;
+        EXPECT_TRUE(found) << e.name << ": vendor peak at " << want.yPpm << " / " << want.xPpm;
     }
 }
 

@@ -5,16 +5,13 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <numbers>
-#include <optional>
+#include <string>
 #include <vector>
 
-#include "io/bruker_parameters.h"
-#include "io/bruker_reader.h"
-#include "io/raw_loader.h"
 #include "processing/ft_defaults.h"
 #include "processing/linear_prediction.h"
 #include "test_data.h"
@@ -64,7 +61,14 @@ SpectrumDocument fid1D(size_t n, Fn value) {
 }
 
 // A 2-D matrix whose f2 is already transformed (cols points) and whose f1 holds rows time
-// points: point (row, col) has real row*100 + col + 1 and imaginary -(row*7 + col).
+// points: point (row, col) is re2D + i im2D.
+float re2D(uint32_t r, uint32_t c) {
+    return r * 100.0f + c + 1.0f;
+}
+float im2D(uint32_t r, uint32_t c) {
+    return -(r * 7.0f + c);
+}
+
 SpectrumDocument indirect2D(uint32_t rows, uint32_t cols) {
     SpectrumDocument doc;
     doc.source.dims[2] = axis(cols);
@@ -74,17 +78,17 @@ SpectrumDocument indirect2D(uint32_t rows, uint32_t cols) {
     doc.matrix.contiguous = 2;
     for (uint32_t r = 0; r < rows; ++r)
         for (uint32_t c = 0; c < cols; ++c) {
-            doc.matrix.re.push_back(r * 100.0f + c + 1.0f);
-            doc.matrix.im.push_back(-(r * 7.0f + c));
+            doc.matrix.re.push_back(re2D(r, c));
+            doc.matrix.im.push_back(im2D(r, c));
         }
     return doc;
 }
 
-float re2D(uint32_t r, uint32_t c) {
-    return r * 100.0f + c + 1.0f;
-}
-float im2D(uint32_t r, uint32_t c) {
-    return -(r * 7.0f + c);
+size_t tallestModulus(const SpectrumMatrix& m) {
+    size_t peak = 0;
+    for (size_t k = 1; k < m.re.size(); ++k)
+        if (std::hypot(m.re[k], m.im[k]) > std::hypot(m.re[peak], m.im[peak])) peak = k;
+    return peak;
 }
 
 TEST(FtPipeline, LongDataAreCutBeforeWeightingAndShortDataZeroFilled) {
@@ -222,9 +226,7 @@ TEST(FtPipeline, FilterDelayIsCompensatedByTheFirstOrderPhase) {
     stepOf(doc, 1, 4096, ft_flags::kQuadrature);
     transformNextDimension(doc);
     const auto& m = doc.matrix;
-    size_t peak = 0;
-    for (size_t k = 1; k < 4096; ++k)
-        if (std::hypot(m.re[k], m.im[k]) > std::hypot(m.re[peak], m.im[peak])) peak = k;
+    const size_t peak = tallestModulus(m);
     EXPECT_NEAR(m.re[peak], std::hypot(m.re[peak], m.im[peak]), 1e-2 * m.re[peak]);
     EXPECT_EQ(peak, 1536u);
     EXPECT_EQ(m.dims[1].timeShift, -68.0f);  // kept: the data carry it as a first order
@@ -257,11 +259,7 @@ TEST(FtPipeline, RealTransformRunsUpwardUnlessConjugated) {
         auto doc = fid1D(n, packed);
         stepOf(doc, 1, n, ft_flags::kRealFt | (conjugate ? ft_flags::kConjugate : 0));
         transformNextDimension(doc);
-        const auto& m = doc.matrix;
-        size_t peak = 0;
-        for (size_t k = 1; k < n; ++k)
-            if (std::hypot(m.re[k], m.im[k]) > std::hypot(m.re[peak], m.im[peak])) peak = k;
-        EXPECT_EQ(peak, conjugate ? n - 100 : 100u);
+        EXPECT_EQ(tallestModulus(doc.matrix), conjugate ? n - 100 : 100u);
     }
 }
 
@@ -294,28 +292,18 @@ TEST(FtPipeline, PredictionContinuesADecayingSignal) {
     }
 }
 
-TEST(FtPipeline, NusRowsNeedTheirSamplingList) {
+// The sampled increments land on the full grid where the list puts them; the rest stays 0.
+TEST(FtPipeline, NusRowsGoWhereTheSamplingListPutsThem) {
     const auto dir = testdata::freshTempDir("nus");
+    std::ofstream(dir + "/nuslist") << "3\n1\n";
     auto doc = indirect2D(4, 32);
     doc.source.rawPath = dir + "/ser";
     doc.matrix.dims[1].pointsAfterNus = 8;
     stepOf(doc, 1, 32, ft_flags::kStopBeforeTransform);
-    const auto before = doc.matrix.re;
-    const auto missing = transformNextDimension(doc);
-    EXPECT_EQ(missing.outcome, FtOutcome::NusListMissing);
-    ASSERT_TRUE(missing.message);
-    EXPECT_EQ(missing.message->caption, "Missing NUS Metadata");
-    EXPECT_EQ(missing.message->text,
-              "The file 'nuslist' is missing or unreadable. This file is required to map the "
-              "experimental points onto the full grid.");
-    EXPECT_EQ(doc.matrix.re, before);
-
-    std::ofstream(dir + "/nuslist") << "3\n1\n";
     EXPECT_EQ(transformNextDimension(doc).outcome, FtOutcome::StoppedBeforeTransform);
-    const auto& m = doc.matrix;
     const float scale = 32.0f / 8.0f;
     for (uint32_t c : {0u, 31u}) {
-        const float* row = m.re.data() + c * 32;
+        const float* row = doc.matrix.re.data() + c * 32;
         EXPECT_FLOAT_EQ(row[6], re2D(0, c) * scale);
         EXPECT_FLOAT_EQ(row[7], re2D(1, c) * scale);
         EXPECT_FLOAT_EQ(row[2], re2D(2, c) * scale);
@@ -339,59 +327,8 @@ TEST(FtPipeline, NusListsOnlyHoldIncrementNumbers) {
 
 // ---- real spectrometer data ----
 
-std::optional<SpectrumDocument> openFid(const std::string& name) {
-    auto read = readBrukerFolder(testdata::bruker(name));
-    if (!read) return std::nullopt;
-    auto matrix = loadMatrix(read->source);
-    if (!matrix) return std::nullopt;
-    SpectrumDocument doc;
-    doc.source = read->source;
-    doc.matrix = std::move(*matrix);
-    addDefaultFourierTransformSteps(doc);
-    return doc;
-}
-
-double procsValue(const std::string& procs, const char* key) {
-    return findParameter(procs, ParameterKey{key, ParameterKind::Real}).real;
-}
-
-// The vendor's processed 1-D spectrum as modulus per point, with its ppm scale.
-struct VendorSpectrum {
-    std::vector<double> modulus;
-    double firstPpm = 0.0, stepPpm = 0.0;
-};
-
-VendorSpectrum vendorSpectrum(const std::string& folder) {
-    const std::string procs = testdata::readFile(folder + "/pdata/1/procs");
-    const auto si = static_cast<size_t>(procsValue(procs, "##$SI="));
-    const std::string re = testdata::readFile(folder + "/pdata/1/1r");
-    const std::string im = testdata::readFile(folder + "/pdata/1/1i");
-    VendorSpectrum v;
-    if (re.size() < si * 4 || im.size() < si * 4) return v;  // little-endian 32-bit integers
-    for (size_t j = 0; j < si; ++j) {
-        int32_t a, b;
-        std::memcpy(&a, re.data() + 4 * j, 4);
-        std::memcpy(&b, im.data() + 4 * j, 4);
-        v.modulus.push_back(std::hypot(double(a), double(b)));
-    }
-    v.firstPpm = procsValue(procs, "##$OFFSET=");
-    v.stepPpm = procsValue(procs, "##$SW_p=") / procsValue(procs, "##$SF=") / double(si);
-    return v;
-}
-
-// Our modulus at a ppm value, interpolated between the two nearest point centres.
-double modulusAtPpm(const SpectrumMatrix& m, int f, double ppm) {
-    const auto& d = m.dims[f];
-    const double x = (1.0 - (ppm - d.lowestPpm) / d.spectralWidth) * d.points - 0.5;
-    if (x < 0.0 || x >= d.points - 1.0) return -1.0;
-    const auto i = static_cast<size_t>(x);
-    const double t = x - i;
-    auto mod = [&](size_t k) { return std::hypot(m.re[k], m.im[k]); };
-    return mod(i) * (1.0 - t) + mod(i + 1) * t;
-}
-
 TEST(FtPipeline, AspirinMatchesTheVendorSpectrum) {
-    auto doc = openFid("aspirin-1h");
+    auto doc = testdata::openExperiment("aspirin-1h");
     ASSERT_TRUE(doc);
     auto* step = findFourierTransformStep(doc->processing, 1);
     ASSERT_TRUE(step);
@@ -402,73 +339,15 @@ TEST(FtPipeline, AspirinMatchesTheVendorSpectrum) {
     ASSERT_EQ(doc->matrix.dims[1].points, 32768u);
     EXPECT_EQ(doc->source.highestTIndex, 0);
 
-    const auto vendor = vendorSpectrum(testdata::bruker("aspirin-1h-processed"));
-    ASSERT_EQ(vendor.modulus.size(), 32768u);
-    std::vector<double> ours, theirs;
-    size_t tallestOurs = 0, tallestTheirs = 0;
-    for (size_t j = 0; j < vendor.modulus.size(); ++j) {
-        const double v = modulusAtPpm(doc->matrix, 1, vendor.firstPpm - j * vendor.stepPpm);
-        if (v < 0.0) continue;  // outside our window
-        if (v > (ours.empty() ? 0.0 : ours[tallestOurs])) tallestOurs = ours.size();
-        if (vendor.modulus[j] > (theirs.empty() ? 0.0 : theirs[tallestTheirs]))
-            tallestTheirs = theirs.size();
-        ours.push_back(v);
-        theirs.push_back(vendor.modulus[j]);
-    }
-    ASSERT_GT(ours.size(), 30000u);
-    double ma = 0, mb = 0;
-    for (size_t i = 0; i < ours.size(); ++i) ma += ours[i], mb += theirs[i];
-    ma /= ours.size(), mb /= ours.size();
-    double sab = 0, saa = 0, sbb = 0;
-    for (size_t i = 0; i < ours.size(); ++i) {
-        sab += (ours[i] - ma) * (theirs[i] - mb);
-        saa += (ours[i] - ma) * (ours[i] - ma);
-        sbb += (theirs[i] - mb) * (theirs[i] - mb);
-    }
-    EXPECT_GE(sab / std::sqrt(saa * sbb), 0.99);
-    EXPECT_LE(std::abs(double(tallestOurs) - double(tallestTheirs)), 2.0);
-    const double tallestPpm = vendor.firstPpm - tallestTheirs * vendor.stepPpm;
-    EXPECT_NEAR(tallestPpm, 2.3, 0.1);  // the acetyl CH3
-}
-
-struct Peak2D {
-    double f1Ppm, f2Ppm, height;
-};
-
-// Local maxima of the modulus of a 2-D spectrum whose f1 rows are contiguous (both axes
-// transformed), tallest first.
-std::vector<Peak2D> crossPeaks(const SpectrumMatrix& m, size_t count) {
-    const size_t n1 = m.dims[1].points, n2 = m.dims[2].points;
-    auto at = [&](size_t k1, size_t k2) {
-        const size_t i = k2 * n1 + k1;
-        return std::hypot(m.re[i], m.im[i]);
-    };
-    std::vector<Peak2D> peaks;
-    for (size_t k2 = 1; k2 + 1 < n2; ++k2)
-        for (size_t k1 = 1; k1 + 1 < n1; ++k1) {
-            const double v = at(k1, k2);
-            bool top = true;
-            for (int a = -1; a <= 1 && top; ++a)
-                for (int b = -1; b <= 1 && top; ++b)
-                    if ((a || b) && at(k1 + a, k2 + b) > v) top = false;
-            if (top) peaks.push_back({ppmOfPoint(m.dims[1], k1), ppmOfPoint(m.dims[2], k2), v});
-        }
-    std::sort(peaks.begin(), peaks.end(), [](auto& a, auto& b) { return a.height > b.height; });
-    if (peaks.size() > count) peaks.resize(count);
-    return peaks;
-}
-
-// Ppm of the local maxima of a transformed 1-D spectrum above a share of its tallest.
-std::vector<double> peaks1D(const SpectrumMatrix& m, double share) {
-    const size_t n = m.dims[1].points;
-    std::vector<double> mod(n);
-    for (size_t k = 0; k < n; ++k) mod[k] = std::hypot(m.re[k], m.im[k]);
-    const double top = *std::max_element(mod.begin(), mod.end());
-    std::vector<double> ppm;
-    for (size_t k = 1; k + 1 < n; ++k)
-        if (mod[k] > share * top && mod[k] >= mod[k - 1] && mod[k] >= mod[k + 1])
-            ppm.push_back(ppmOfPoint(m.dims[1], k));
-    return ppm;
+    const auto vendor = testdata::vendorSpectrum("aspirin-1h-processed");
+    ASSERT_TRUE(vendor && !vendor->im.empty());
+    EXPECT_GE(testdata::correlationOverPpm(doc->matrix, *vendor, true), 0.99);
+    const auto ours = testdata::strongestPeaks(doc->matrix, 1, true);
+    const auto theirs = testdata::strongestPeaks(*vendor, 1, true);
+    ASSERT_TRUE(ours.size() == 1 && theirs.size() == 1);
+    const auto theirsInOurs = pointOfPpm(doc->matrix.dims[1], theirs[0].xPpm);
+    EXPECT_LE(std::abs(double(ours[0].x) - double(theirsInOurs)), 2.0);
+    EXPECT_NEAR(theirs[0].xPpm, 2.3, 0.1);  // the acetyl CH3
 }
 
 bool nearAny(double ppm, const std::vector<double>& list, double tolerance) {
@@ -476,47 +355,44 @@ bool nearAny(double ppm, const std::vector<double>& list, double tolerance) {
                        [&](double p) { return std::abs(p - ppm) <= tolerance; });
 }
 
-void transformBoth(SpectrumDocument& doc) {
-    ASSERT_EQ(transformNextDimension(doc).outcome, FtOutcome::Transformed);
-    ASSERT_EQ(doc.matrix.contiguous, 2);
-    ASSERT_EQ(transformNextDimension(doc).outcome, FtOutcome::Transformed);
-    ASSERT_EQ(doc.matrix.contiguous, 1);
-    ASSERT_EQ(doc.source.highestTIndex, 0);
+std::unique_ptr<SpectrumDocument> transformedBoth(const std::string& name) {
+    auto doc = testdata::openExperiment(name);
+    if (!doc || doc->source.highestTIndex != 2 || !testdata::transformAll(*doc)) return nullptr;
+    return doc;
 }
 
 TEST(FtPipeline, CyclosporinCrossPeaksSitOnTheProtonLines) {
-    auto proton = openFid("cyclosporin-1h");
-    ASSERT_TRUE(proton);
-    ASSERT_EQ(transformNextDimension(*proton).outcome, FtOutcome::Transformed);
-    const auto lines = peaks1D(proton->matrix, 0.02);
+    auto proton = testdata::openExperiment("cyclosporin-1h");
+    ASSERT_TRUE(proton && testdata::transformAll(*proton));
+    std::vector<double> lines;
+    const auto tops = testdata::strongestPeaks(proton->matrix, 1000, true);
+    for (const auto& p : tops)
+        if (p.height > 0.02 * tops[0].height) lines.push_back(p.xPpm);
     ASSERT_GT(lines.size(), 20u);
 
-    auto hsqc = openFid("cyclosporin-hsqc");
+    const auto hsqc = transformedBoth("cyclosporin-hsqc");
     ASSERT_TRUE(hsqc);
-    transformBoth(*hsqc);
     EXPECT_EQ(hsqc->matrix.dims[0].points, 2u);  // echo / anti-echo kept hypercomplex
-    for (const auto& p : crossPeaks(hsqc->matrix, 12)) {
-        EXPECT_TRUE(nearAny(p.f2Ppm, lines, 0.03)) << p.f2Ppm << " / " << p.f1Ppm;
-        EXPECT_GT(p.f1Ppm, 10.0);  // aliphatic carbons of the peptide: N-methyls, side chains
-        EXPECT_LT(p.f1Ppm, 65.0);
-        if (p.f2Ppm > 2.6 && p.f2Ppm < 3.6) {
-            EXPECT_GT(p.f1Ppm, 28.0) << p.f2Ppm;  // N-CH3
+    for (const auto& p : testdata::strongestPeaks(hsqc->matrix, 12, true)) {
+        EXPECT_TRUE(nearAny(p.xPpm, lines, 0.03)) << p.xPpm << " / " << p.yPpm;
+        EXPECT_GT(p.yPpm, 10.0);  // aliphatic carbons of the peptide: N-methyls, side chains
+        EXPECT_LT(p.yPpm, 65.0);
+        if (p.xPpm > 2.6 && p.xPpm < 3.6) {
+            EXPECT_GT(p.yPpm, 28.0) << p.xPpm;  // N-CH3
         }
-        if (p.f2Ppm < 1.4) {
-            EXPECT_LT(p.f1Ppm, 27.0) << p.f2Ppm;  // C-CH3
+        if (p.xPpm < 1.4) {
+            EXPECT_LT(p.yPpm, 27.0) << p.xPpm;  // C-CH3
         }
     }
 
-    auto cosy = openFid("cyclosporin-cosy");
+    const auto cosy = transformedBoth("cyclosporin-cosy");
     ASSERT_TRUE(cosy);
-    transformBoth(*cosy);
     EXPECT_TRUE(cosy->matrix.state & matrix_state::kMagnitude);
-    const auto peaks = crossPeaks(cosy->matrix, 20);
     size_t diagonal = 0;
-    for (const auto& p : peaks) {
-        EXPECT_TRUE(nearAny(p.f2Ppm, lines, 0.03)) << p.f2Ppm;
-        EXPECT_TRUE(nearAny(p.f1Ppm, lines, 0.1)) << p.f1Ppm;  // f1 has 10x coarser points
-        diagonal += std::abs(p.f1Ppm - p.f2Ppm) < 0.1;
+    for (const auto& p : testdata::strongestPeaks(cosy->matrix, 20, true)) {
+        EXPECT_TRUE(nearAny(p.xPpm, lines, 0.03)) << p.xPpm;
+        EXPECT_TRUE(nearAny(p.yPpm, lines, 0.1)) << p.yPpm;  // f1 has 10x coarser points
+        diagonal += std::abs(p.yPpm - p.xPpm) < 0.1;
     }
     EXPECT_GE(diagonal, 10u);  // the tallest COSY peaks lie on the diagonal, not its mirror
 }
