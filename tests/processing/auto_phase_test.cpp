@@ -3,14 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <complex>
 #include <numbers>
 #include <random>
 
-#include "io/bruker_reader.h"
-#include "io/raw_loader.h"
-#include "processing/baseline.h"
-#include "processing/ft_defaults.h"
-#include "processing/ft_pipeline.h"
 #include "processing/phase.h"
 #include "test_data.h"
 
@@ -54,18 +50,7 @@ std::vector<Line> typicalLines(size_t n) {
             {0.6 * n, 8.0, 3.0},   {0.75 * n, 3.0, 4.0}, {0.9 * n, 5.0, 3.0}};
 }
 
-double correlation(const std::vector<float>& a, const std::vector<float>& b) {
-    double sa = 0, sb = 0, saa = 0, sbb = 0, sab = 0;
-    const double n = static_cast<double>(a.size());
-    for (size_t i = 0; i < a.size(); ++i) {
-        sa += a[i];
-        sb += b[i];
-        saa += double{a[i]} * a[i];
-        sbb += double{b[i]} * b[i];
-        sab += double{a[i]} * b[i];
-    }
-    return (sab - sa * sb / n) / std::sqrt((saa - sa * sa / n) * (sbb - sb * sb / n));
-}
+using testdata::correlation;
 
 // The real part after applying the estimated increment.
 std::vector<float> corrected(const Spectrum& s, const AutoPhaseResult& r) {
@@ -90,7 +75,7 @@ TEST(AutoPhaseDefault, AllPositiveSpectrumStopsAtOnce) {
 
 TEST(AutoPhaseDefault, RecoversZeroAndFirstOrderErrors) {
     const size_t n = 16384;
-    const double errors[][2] = {{0.8, 0.0}, {-1.2, 0.0}, {0.5, 1.5}, {2.5, -3.0}};
+    const double errors[][2] = {{-1.2, 0.0}, {2.5, -3.0}};
     for (const auto& e : errors) {
         const auto s = lorentzians(n, typicalLines(n), e[0], e[1]);
         const auto r = estimatePhase(s.re.data(), s.im.data(), n);
@@ -164,15 +149,12 @@ TEST(AutoPhaseMatrix, AppliesTheIncrementThroughTheStoredPhase) {
     EXPECT_EQ(realOnly.re, s.re);
 }
 
-// A hypercomplex plane: lines at (c1, c2) with signs, f1 contiguous as the indirect transform
-// leaves it, with phase errors along both axes.
+// A hypercomplex plane of Lorentzian cross peaks of both signs, f1 contiguous as the indirect
+// transform leaves it: f1 turned by e1, f2 by e2 plus one radian across its width.
 SpectrumMatrix hypercomplexPlane(size_t n1, size_t n2, double e1, double e2,
                                  std::vector<float>& ideal) {
-    struct Cross {
-        double c1, c2, height;
-    };
-    const Cross peaks[] = {{0.2, 0.3, 10}, {0.5, 0.6, -6}, {0.7, 0.2, 8},
-                           {0.35, 0.8, 5}, {0.8, 0.7, -4}, {0.6, 0.45, 7}};
+    const double peaks[][3] = {{0.2, 0.3, 10}, {0.5, 0.6, -6}, {0.7, 0.2, 8},
+                               {0.35, 0.8, 5}, {0.8, 0.7, -4}, {0.6, 0.45, 7}};
     SpectrumMatrix m;
     m.dimensions = 2;
     m.contiguous = 1;
@@ -183,32 +165,23 @@ SpectrumMatrix hypercomplexPlane(size_t n1, size_t n2, double e1, double e2,
     m.re.assign(2 * half, 0.0f);
     m.im.assign(2 * half, 0.0f);
     ideal.assign(half, 0.0f);
-    for (size_t j = 0; j < n2; ++j) {
+    // A line at c with half-width 2, turned by phi: (absorption, dispersion) rotated.
+    auto line = [](double u, double phi) {
+        return std::complex<double>(1.0, u) / (1.0 + u * u) * std::polar(1.0, phi);
+    };
+    for (size_t j = 0; j < n2; ++j)
         for (size_t k = 0; k < n1; ++k) {
-            double rr = 0, ri = 0, ir = 0, ii = 0;
-            for (const auto& p : peaks) {
-                const double u1 = (k - p.c1 * n1) / 2.0, u2 = (j - p.c2 * n2) / 2.0;
-                const double a1 = 1 / (1 + u1 * u1), d1 = u1 / (1 + u1 * u1);
-                const double a2 = 1 / (1 + u2 * u2), d2 = u2 / (1 + u2 * u2);
-                // Errors: f1 by e1 (constant), f2 by e2 + 1.0 * j / n2.
-                const double p1 = e1, p2 = e2 + 1.0 * j / n2;
-                const double c1r = a1 * std::cos(p1) - d1 * std::sin(p1);
-                const double c1i = a1 * std::sin(p1) + d1 * std::cos(p1);
-                const double c2r = a2 * std::cos(p2) - d2 * std::sin(p2);
-                const double c2i = a2 * std::sin(p2) + d2 * std::cos(p2);
-                rr += p.height * c1r * c2r;
-                ri += p.height * c1i * c2r;
-                ir += p.height * c1r * c2i;
-                ii += p.height * c1i * c2i;
-                ideal[j * n1 + k] += static_cast<float>(p.height * a1 * a2);
-            }
             const size_t i = j * n1 + k;
-            m.re[i] = static_cast<float>(rr);
-            m.im[i] = static_cast<float>(ri);
-            m.re[i + half] = static_cast<float>(ir);
-            m.im[i + half] = static_cast<float>(ii);
+            for (const auto& p : peaks) {
+                const double u1 = (k - p[0] * n1) / 2.0, u2 = (j - p[1] * n2) / 2.0;
+                const auto c1 = line(u1, e1), c2 = line(u2, e2 + 1.0 * j / n2);
+                m.re[i] += static_cast<float>(p[2] * c1.real() * c2.real());
+                m.im[i] += static_cast<float>(p[2] * c1.imag() * c2.real());
+                m.re[i + half] += static_cast<float>(p[2] * c1.real() * c2.imag());
+                m.im[i + half] += static_cast<float>(p[2] * c1.imag() * c2.imag());
+                ideal[i] += static_cast<float>(p[2] / (1 + u1 * u1) / (1 + u2 * u2));
+            }
         }
-    }
     return m;
 }
 
@@ -225,58 +198,6 @@ TEST(AutoPhase2D, EditedPlaneComesOutAbsorptiveAndUpright) {
     plain.re.assign(64, 1.0f);
     plain.im.assign(64, 0.0f);
     EXPECT_FALSE(autoPhase2D(plain, 0).has_value());
-}
-
-// A 1-D FID read and transformed by the pipeline with the given size and exponential
-// broadening; the stored phase is cleared so that only the filter delay is compensated.
-std::optional<SpectrumMatrix> transformed(const std::string& name, uint32_t size, float lb) {
-    const auto read = readBrukerFolder(testdata::bruker(name));
-    if (!read) return std::nullopt;
-    auto m = loadMatrix(read->source);
-    if (!m || m->im.empty()) return std::nullopt;
-    SpectrumDocument doc;
-    doc.source = read->source;
-    doc.matrix = std::move(*m);
-    addDefaultFourierTransformSteps(doc);
-    FourierTransformStep* step = findFourierTransformStep(doc.processing, 1);
-    if (!step) return std::nullopt;
-    step->ftSize = size;
-    step->weights[kWeightExponential] = lb;
-    step->flags |= ft_flags::kExponential | ft_flags::kApplyWeights;
-    doc.matrix.dims[1].phase0 = doc.matrix.dims[1].phase1 = 0.0f;
-    if (transformNextDimension(doc).outcome != FtOutcome::Transformed) return std::nullopt;
-    return std::move(doc.matrix);
-}
-
-TEST(AutoPhaseRealData, AspirinMatchesTheVendorProcessedSpectrum) {
-    auto m = transformed("aspirin-1h", 32768, 0.3f);  // the vendor's size and broadening
-    ASSERT_TRUE(m.has_value());
-    BrukerReadOptions processed;
-    processed.processed = true;
-    const auto read = readBrukerFolder(testdata::bruker("aspirin-1h-processed"), processed);
-    ASSERT_TRUE(read.has_value());
-    const auto vendor = loadMatrix(read->source);
-    ASSERT_TRUE(vendor.has_value());
-    ASSERT_EQ(vendor->re.size(), m->re.size());
-    EXPECT_LT(correlation(m->re, vendor->re), 0.5);  // not phased yet
-    ASSERT_TRUE(autoPhase(*m, 0).has_value());
-    EXPECT_GE(correlation(m->re, vendor->re), 0.99);
-}
-
-TEST(AutoPhaseRealData, ProtonSpectraEndWithLittleNegativeArea) {
-    for (const char* name : {"aspirin-1h", "strychnine-1h", "cyclosporin-1h"}) {
-        auto m = transformed(name, 65536, 0.3f);
-        ASSERT_TRUE(m.has_value()) << name;
-        ASSERT_TRUE(autoPhase(*m, 0).has_value());
-        BaseplaneStep poly;
-        poly.function = 1;
-        poly.order = 7;
-        poly.movingAverage = 64;
-        ASSERT_FALSE(correctBaseline(*m, 1, poly).has_value());
-        double positive = 0.0, negative = 0.0;
-        for (float v : m->re) (v > 0 ? positive : negative) += v;
-        EXPECT_LT(-negative, 0.02 * positive) << name;
-    }
 }
 
 }  // namespace
