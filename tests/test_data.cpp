@@ -78,6 +78,11 @@ bool transformAll(SpectrumDocument& doc) {
     return true;
 }
 
+std::unique_ptr<SpectrumDocument> openTransformed(const std::string& name) {
+    auto doc = openExperiment(name);
+    return doc && transformAll(*doc) ? std::move(doc) : nullptr;
+}
+
 std::optional<SpectrumMatrix> vendorSpectrum(const std::string& name) {
     BrukerReadOptions processed;
     processed.processed = true;

@@ -32,6 +32,8 @@ std::string readFile(const std::string& path);
 std::unique_ptr<SpectrumDocument> openExperiment(const std::string& name);
 // Every remaining time-domain axis transformed; false as soon as one is not.
 bool transformAll(SpectrumDocument& doc);
+// A test set opened and transformed along every axis with its default steps.
+std::unique_ptr<SpectrumDocument> openTransformed(const std::string& name);
 // The spectrometer's own processed spectrum of a set (pdata/1): the real parts, and for 1-D
 // spectra the imaginary parts of 1i as well. Nothing when the set keeps no processed data.
 std::optional<SpectrumMatrix> vendorSpectrum(const std::string& name);

@@ -162,8 +162,8 @@ class EveryBrukerSet : public testing::TestWithParam<Expectation> {};
 
 TEST_P(EveryBrukerSet, PeaksLandWhereTheSpectrometerPutThem) {
     const auto& e = GetParam();
-    const auto doc = testdata::openExperiment(e.name);
-    ASSERT_TRUE(doc && testdata::transformAll(*doc)) << e.name;
+    const auto doc = testdata::openTransformed(e.name);
+    ASSERT_TRUE(doc) << e.name;
     const auto vendor = testdata::vendorSpectrum(e.name);
     const auto expected = vendor ? testdata::strongestPeaks(*vendor, 8, false)
                                  : listedPeaks(testdata::bruker(e.name), 0.3);

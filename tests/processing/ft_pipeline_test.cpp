@@ -355,22 +355,16 @@ bool nearAny(double ppm, const std::vector<double>& list, double tolerance) {
                        [&](double p) { return std::abs(p - ppm) <= tolerance; });
 }
 
-std::unique_ptr<SpectrumDocument> transformedBoth(const std::string& name) {
-    auto doc = testdata::openExperiment(name);
-    if (!doc || doc->source.highestTIndex != 2 || !testdata::transformAll(*doc)) return nullptr;
-    return doc;
-}
-
 TEST(FtPipeline, CyclosporinCrossPeaksSitOnTheProtonLines) {
-    auto proton = testdata::openExperiment("cyclosporin-1h");
-    ASSERT_TRUE(proton && testdata::transformAll(*proton));
+    const auto proton = testdata::openTransformed("cyclosporin-1h");
+    ASSERT_TRUE(proton);
     std::vector<double> lines;
     const auto tops = testdata::strongestPeaks(proton->matrix, 1000, true);
     for (const auto& p : tops)
         if (p.height > 0.02 * tops[0].height) lines.push_back(p.xPpm);
     ASSERT_GT(lines.size(), 20u);
 
-    const auto hsqc = transformedBoth("cyclosporin-hsqc");
+    const auto hsqc = testdata::openTransformed("cyclosporin-hsqc");
     ASSERT_TRUE(hsqc);
     EXPECT_EQ(hsqc->matrix.dims[0].points, 2u);  // echo / anti-echo kept hypercomplex
     for (const auto& p : testdata::strongestPeaks(hsqc->matrix, 12, true)) {
@@ -385,7 +379,7 @@ TEST(FtPipeline, CyclosporinCrossPeaksSitOnTheProtonLines) {
         }
     }
 
-    const auto cosy = transformedBoth("cyclosporin-cosy");
+    const auto cosy = testdata::openTransformed("cyclosporin-cosy");
     ASSERT_TRUE(cosy);
     EXPECT_TRUE(cosy->matrix.state & matrix_state::kMagnitude);
     size_t diagonal = 0;

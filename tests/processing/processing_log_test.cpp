@@ -148,22 +148,6 @@ TEST(ProcessingLog, WeightsNeedBothApplyAndAPresentParameter) {
               "\r\n\r\n\r\n");
 }
 
-TEST(ProcessingLog, WhittakerLambdaSpansOneToFourN) {
-    BaseplaneStep b;
-    b.function = 0;
-    b.movingAverage = 16;
-    auto line = [&](int k) {
-        b.order = static_cast<uint8_t>(k);
-        ProcessingRecord r{{step(1, b)}, 0};
-        const std::string log = processingLog(r, [](int) { return int64_t{1000}; });
-        const size_t at = log.find("lambda = ") + 9;
-        return log.substr(at, log.find(' ', at) - at);
-    };
-    EXPECT_EQ(line(9), "1");
-    EXPECT_EQ(line(0), "4000");
-    EXPECT_EQ(line(6), "16");  // 4000^(1/3) = 15.87
-}
-
 TEST(ProcessingLog, SuppressionAndDosyBlocks) {
     ProcessingRecord r;
     r.steps = {step(2, HighPassFilterStep{{4.7f, 0.0f}, 5}),
