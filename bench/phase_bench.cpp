@@ -1,33 +1,21 @@
 // Automatic 1-D phase correction on the aspirin 1H spectrum.
 //
-// The spectrum is built once, outside the timing, by the transform pipeline with the default
-// step of the data set (as `wft()` leaves it before its automatic phase). The timed call is
+// The spectrum is built once, outside the timing, by the transform pipeline with the data set's
+// default step (the spectrometer's window and size, as `wft()` transforms it). The timed call is
 // the whole estimate, its set-up included (moduli, blocks, region minima), as `aph` runs it.
 #include <benchmark/benchmark.h>
 
 #include <optional>
 
-#include "io/bruker_reader.h"
-#include "io/raw_loader.h"
 #include "processing/auto_phase.h"
-#include "processing/ft_defaults.h"
-#include "processing/ft_pipeline.h"
 #include "test_data.h"
 
 namespace {
 
 std::optional<zolt::SpectrumMatrix> aspirinSpectrum() {
-    const auto read = zolt::readBrukerFolder(zolt::testdata::bruker("aspirin-1h"));
-    if (!read) return std::nullopt;
-    auto m = zolt::loadMatrix(read->source);
-    if (!m || m->im.empty()) return std::nullopt;
-    zolt::SpectrumDocument doc;
-    doc.source = read->source;
-    doc.matrix = std::move(*m);
-    zolt::addDefaultFourierTransformSteps(doc);
-    if (zolt::transformNextDimension(doc).outcome != zolt::FtOutcome::Transformed)
-        return std::nullopt;
-    return std::move(doc.matrix);
+    auto doc = zolt::testdata::openTransformed("aspirin-1h");
+    if (!doc || doc->matrix.im.empty()) return std::nullopt;
+    return std::move(doc->matrix);
 }
 
 void BM_AutoPhaseAspirin(benchmark::State& state) {
