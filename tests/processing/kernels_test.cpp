@@ -37,26 +37,6 @@ TEST(DcSubtraction, RowsShorterThanSixteenAreLeftAlone) {
     EXPECT_EQ(data, ramp(15));
 }
 
-TEST(RowKernels, DeleteFirstShiftsBothArraysAndZeroFillsTheEnd) {
-    std::vector<float> re = ramp(12), im = ramp(12, 100.0f);
-    deleteFirst(re.data(), im.data(), 2, 5, 6, 2);
-    EXPECT_EQ(re, (std::vector<float>{3, 4, 5, 0, 0, 6, 9, 10, 11, 0, 0, 12}));
-    EXPECT_EQ(im, (std::vector<float>{102, 103, 104, 0, 0, 105, 108, 109, 110, 0, 0, 111}));
-}
-
-TEST(RowKernels, ZeroTailClearsTheRangeOfEveryRowAndAcceptsNoImaginaryArray) {
-    std::vector<float> re = ramp(8);
-    zeroTail(re.data(), nullptr, 2, 1, 3, 4);
-    EXPECT_EQ(re, (std::vector<float>{1, 0, 0, 4, 5, 0, 0, 8}));
-}
-
-TEST(RowKernels, WindowMultipliesTheMeaningfulPointsOnly) {
-    std::vector<float> data(8, 2.0f);
-    const std::vector<float> window{0.5f, 1.5f, 3.0f};
-    multiplyWindow(data.data(), 2, 3, 4, window.data());
-    EXPECT_EQ(data, (std::vector<float>{1, 3, 6, 2, 1, 3, 6, 2}));
-}
-
 TEST(Restride, GrowingStrideMovesRowsWithoutOverwritingThem) {
     std::vector<float> re(24, -1.0f), im(24, -1.0f);
     const std::vector<float> rows = ramp(12);
@@ -75,15 +55,6 @@ TEST(Restride, ShrinkingStrideCopiesTheFractionOfTheOldRow) {
     restride(re.data(), nullptr, 8, 4, 3, 2);
     EXPECT_EQ(std::vector<float>(re.begin(), re.begin() + 12),
               (std::vector<float>{1, 2, 3, 4, 9, 10, 11, 12, 17, 18, 19, 20}));
-}
-
-TEST(Transpose, ColumnsBecomeRowsAndBack) {
-    const std::vector<float> source = ramp(15);  // 3 rows of 5
-    std::vector<float> once(15), twice(15);
-    transpose(source.data(), once.data(), 5, 3);
-    EXPECT_EQ(once, (std::vector<float>{1, 6, 11, 2, 7, 12, 3, 8, 13, 4, 9, 14, 5, 10, 15}));
-    transpose(once.data(), twice.data(), 3, 5);
-    EXPECT_EQ(twice, source);
 }
 
 TEST(Transpose, LargerThanOneTileKeepsEveryElement) {
