@@ -46,25 +46,14 @@ SpectrumDocument documentWithRows(const std::vector<float>& row, uint32_t rows =
     const int direct = rows > 1 ? 2 : 1;
     m.contiguous = static_cast<uint8_t>(direct);
     m.dims[direct].points = n;
-    m.dims[direct].spectralWidth = 12.0f;
-    m.dims[direct].lowestPpm = -1.0f;
-    m.dims[direct].carrier = 400.0f;
-    setAtom(m.dims[direct], "H");
-    if (rows > 1) {
-        m.dims[1].points = rows;
-        setAtom(m.dims[1], "C");
-    }
+    if (rows > 1) m.dims[1].points = rows;
     for (uint32_t r = 0; r < rows; ++r) m.re.insert(m.re.end(), row.begin(), row.end());
     m.im.assign(m.re.size(), 0.0f);
     return doc;
 }
 
 BaseplaneStep polynomialSettings(int order, int width) {
-    BaseplaneStep s;
-    s.function = 1;
-    s.order = static_cast<uint8_t>(order);
-    s.movingAverage = static_cast<int16_t>(width);
-    return s;
+    return {.function = 1, .order = uint8_t(order), .movingAverage = int16_t(width)};
 }
 
 // Largest deviation of the corrected row from the pure peaks, away from the peak tops.
