@@ -24,38 +24,23 @@ int64_t points(int d) {
 // A phase-sensitive 2-D spectrum: sine bells on both axes, forward prediction along f1,
 // a restricted Whittaker baseline along f2 and a polynomial one along f1.
 ProcessingRecord twoDimensional() {
-    FourierTransformStep f2;
-    f2.ftSize = 1024;
-    f2.flags = kQuadrature | kApplyWeights | kSineBell | kFirstPoint;
+    FourierTransformStep f2{.ftSize = 1024,
+                            .flags = kQuadrature | kApplyWeights | kSineBell | kFirstPoint};
     f2.weights[kWeightSineBell] = 90.0f;
     f2.weights[kWeightFirstPoint] = 0.5f;
-
-    LinearPredictionStep lp;
-    lp.coefficients = {32, 0, 0};
-    lp.equations = {128, 0, 0};
-    lp.firstPredicted = {129, 0, 0};
-    lp.lastPredicted = {256, 0, 0};
-    lp.method = 1;
-
-    FourierTransformStep f1;
-    f1.ftSize = 512;
-    f1.flags = kQuadrature | kApplyWeights | kSquaredSineBell | kLinearPrediction | kHypercomplex;
+    FourierTransformStep f1{
+        .ftSize = 512,
+        .flags = kQuadrature | kApplyWeights | kSquaredSineBell | kLinearPrediction | kHypercomplex,
+        .shuffling = Shuffling::PhaseSensitive};
     f1.weights[kWeightSquaredSine] = 90.0f;
-    f1.shuffling = Shuffling::PhaseSensitive;
-
-    BaseplaneStep whittaker;
-    whittaker.function = 0;
-    whittaker.order = 3;
-    whittaker.movingAverage = 64;
-    whittaker.restricted = 1;
-    whittaker.fromPpm = 10.0f;
-    whittaker.toPpm = -0.5f;
-
-    BaseplaneStep polynomial;
-    polynomial.function = 1;
-    polynomial.order = 7;
-    polynomial.movingAverage = 32;
-
+    const LinearPredictionStep lp{{32, 0, 0}, {128, 0, 0}, {129, 0, 0}, {256, 0, 0}, 1};
+    const BaseplaneStep whittaker{.fromPpm = 10.0f,
+                                  .toPpm = -0.5f,
+                                  .function = 0,
+                                  .order = 3,
+                                  .restricted = 1,
+                                  .movingAverage = 64};
+    const BaseplaneStep polynomial{.function = 1, .order = 7, .movingAverage = 32};
     ProcessingRecord r;
     r.steps = {step(2, f2),        step(1, lp),         step(1, f1),
                step(2, whittaker), step(1, polynomial), step(2, PolynomialStep{1, {0.5, -0.0126}})};
