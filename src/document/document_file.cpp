@@ -38,11 +38,7 @@ const Value* child(const Value* dict, const char* key, plist::Kind kind) {
     return v && v->kind == kind ? v : nullptr;
 }
 std::optional<double> number(const Value* dict, const char* key) {
-    const Value* v = dict ? plist::lookUp(dict, key) : nullptr;
-    if (!v) return std::nullopt;
-    if (v->kind == plist::Kind::Integer) return v->integer;
-    if (v->kind == plist::Kind::Real) return v->real;
-    return std::nullopt;
+    return plist::numberOf(dict ? plist::lookUp(dict, key) : nullptr);
 }
 int64_t integerOr(const Value* dict, const char* key, int64_t fallback) {
     const auto n = number(dict, key);
@@ -91,10 +87,7 @@ void coordinatesFromTree(const Value* c, SpectrumSource& s) {
     if (const Value* phase = child(c, "phase correction", plist::Kind::Array)) {
         auto realAt = [&](size_t i) {
             const Value* v = i < phase->items.size() ? phase->items[i] : nullptr;
-            if (!v) return 0.0;
-            return v->kind == plist::Kind::Real      ? v->real
-                   : v->kind == plist::Kind::Integer ? double(v->integer)
-                                                     : 0.0;
+            return plist::numberOf(v).value_or(0.0);
         };
         d.phase0 = static_cast<float>(realAt(0));
         d.phase1 = static_cast<float>(realAt(1));
