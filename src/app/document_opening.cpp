@@ -27,8 +27,7 @@ bool readable(FormatCode code) {
 // A data file whose saved document lies beside it is opened through that document.
 bool hasCompanionDocument(const fs::path& p) {
     std::error_code ec;
-    return p.extension() != ".zolt" &&
-           fs::exists(p.parent_path() / (p.filename().string() + ".zolt"), ec);
+    return p.extension() != ".zolt" && fs::exists(companionDocumentPath(p.string()), ec);
 }
 
 std::optional<BrukerRead> readAs(FormatCode code, const std::string& path,
@@ -75,8 +74,8 @@ std::string dataFileOf(const std::string& folder) {
 std::string documentFileFor(const fs::path& path, const RecognitionOptions& recognition) {
     std::error_code ec;
     if (path.extension() == ".zolt") return path.string();
-    const fs::path companion = path.parent_path() / (path.filename().string() + ".zolt");
-    if (fs::exists(companion, ec)) return companion.string();
+    const std::string companion = companionDocumentPath(path.string());
+    if (fs::exists(companion, ec)) return companion;
     const fs::path folderDocument = path.parent_path() / "plist.zolt";
     if (fs::exists(folderDocument, ec)) return folderDocument.string();
     const fs::path processed = path.parent_path() / "pdata" / "1" / "plist.zolt";

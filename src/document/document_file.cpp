@@ -5,6 +5,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "io/format_recognition.h"
 #include "processing/processing_log.h"
 #include "processing/processing_record.h"
 
@@ -342,7 +343,7 @@ plist::Value* buildDocumentTree(const SpectrumDocument& doc) {
 }
 
 std::string documentPathFor(const SpectrumDocument& doc) {
-    return doc.source.rawPath + ".zolt";
+    return companionDocumentPath(doc.source.rawPath);
 }
 
 SaveResult saveDocument(const SpectrumDocument& doc, const std::string& path, bool doBackUp) {

@@ -50,12 +50,6 @@ bool writeSamples(const SpectrumMatrix& m, const std::string& path) {
     return std::fclose(f) == 0 && ok;
 }
 
-int directAxis(const SpectrumMatrix& m) {
-    for (int f = 3; f >= 1; --f)
-        if (m.dims[f].points > 1) return f;
-    return 0;
-}
-
 }  // namespace
 
 bool exportPackage(const SpectrumDocument& doc, const std::string& folder) {
@@ -64,7 +58,7 @@ bool exportPackage(const SpectrumDocument& doc, const std::string& folder) {
     fs::create_directories(folder, ec);
     if (!fs::is_directory(folder, ec)) return false;
 
-    const int direct = directAxis(doc.matrix);
+    const int direct = directFIndex(doc.matrix.dims);
     const SpectrumMatrix m = exportLayout(doc.matrix, direct);
     const std::string dataPath = (fs::path(folder) / kExportDataName).string();
     const std::string documentPath = (fs::path(folder) / kExportDocumentName).string();

@@ -26,13 +26,6 @@ bool endsWith(const std::string& s, const char* tail) {
     return s.size() >= n && s.compare(s.size() - n, n, tail) == 0;
 }
 
-// The document saved beside a data file: "fid" -> "fid.zolt".
-fs::path companionDocument(const fs::path& p) {
-    const std::string name = p.filename().string();
-    if (endsWith(name, ".spins") || endsWith(name, ".poster")) return p;
-    return p.parent_path() / (name + ".zolt");
-}
-
 FormatCode byExtension(const std::string& ext) {
     if (ext == "tnt") return FormatCode::NtNmr;
     if (ext == "rda") return FormatCode::Siemens;
@@ -148,6 +141,11 @@ std::string incoherentFileText(FormatCode code) {
     return std::string("This ") + formatName(code) + " file seems incoherent";
 }
 
+std::string companionDocumentPath(const std::string& path) {
+    if (endsWith(path, ".spins") || endsWith(path, ".poster")) return path;
+    return path + ".zolt";
+}
+
 bool isMoleculeFile(const std::string& path) {
     static const char* const extensions[] = {"mol", "MOL", "sdf", "SDF", "mol2", "cml",
                                              "pdb", "PDB", "xyz", "smi", "cdx",  "cdxml"};
@@ -171,7 +169,7 @@ FormatCode recognizeFormat(const std::string& pathText, const RecognitionOptions
     if (ext == "poster") return FormatCode::PosterDocument;
 
     const fs::path folder = p.parent_path();
-    if (fileExists(companionDocument(p)) || fileExists(folder / "plist.zolt"))
+    if (fileExists(companionDocumentPath(pathText)) || fileExists(folder / "plist.zolt"))
         return FormatCode::Zolt;
     if (fileExists(folder / "acqus")) {
         if (options.preferProcessedDocuments && fileExists(folder / "pdata" / "1" / "plist.zolt"))

@@ -49,6 +49,10 @@ struct RecognitionOptions {
 // files in the folder, extensions of data files, content signatures, molecule files.
 FormatCode recognizeFormat(const std::string& path, const RecognitionOptions& options = {});
 
+// The document saved beside a data file: "fid" gives "fid.zolt"; a spin-system or poster
+// document is its own.
+std::string companionDocumentPath(const std::string& path);
+
 // Structure files (molfile, SD file, ...) that can only be shown inside a spectrum.
 bool isMoleculeFile(const std::string& path);
 

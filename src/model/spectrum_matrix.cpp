@@ -8,6 +8,14 @@ size_t pointProduct(const std::array<DimensionRecord, 4>& dims) {
     return n;
 }
 
-size_t SpectrumMatrix::pointCount() const { return pointProduct(dims); }
+int directFIndex(const std::array<DimensionRecord, 4>& dims) {
+    for (int f = 3; f >= 1; --f)
+        if (dims[f].points > 1) return f;
+    return 0;
+}
+
+size_t SpectrumMatrix::pointCount() const {
+    return pointProduct(dims);
+}
 
 }  // namespace zolt

@@ -41,5 +41,7 @@ struct SpectrumMatrix {
 };
 
 size_t pointProduct(const std::array<DimensionRecord, 4>& dims);
+// The highest f-index whose axis has more than one point (the direct axis), or 0.
+int directFIndex(const std::array<DimensionRecord, 4>& dims);
 
 }  // namespace zolt

@@ -1,20 +1,33 @@
 #include "model/spectrum_source.h"
 
+#include "model/spectrum_matrix.h"
+
 namespace zolt {
 
 const char* numberTypeName(NumberType t) {
     switch (t) {
-        case NumberType::Long: return "long";
-        case NumberType::Short: return "short";
-        case NumberType::Float: return "float";
-        case NumberType::Bits24: return "24 bits";
-        case NumberType::Double: return "double";
-        case NumberType::AsciiSqueezed: return "ASCII Squeezed Difference Form";
-        case NumberType::Text: return "text";
-        case NumberType::XEasy16: return "XEasy 16-bits coding";
-        case NumberType::InMemory: return "memory";
-        case NumberType::NoData: return "none";
-        case NumberType::SpinSystem: return "spin system";
+        case NumberType::Long:
+            return "long";
+        case NumberType::Short:
+            return "short";
+        case NumberType::Float:
+            return "float";
+        case NumberType::Bits24:
+            return "24 bits";
+        case NumberType::Double:
+            return "double";
+        case NumberType::AsciiSqueezed:
+            return "ASCII Squeezed Difference Form";
+        case NumberType::Text:
+            return "text";
+        case NumberType::XEasy16:
+            return "XEasy 16-bits coding";
+        case NumberType::InMemory:
+            return "memory";
+        case NumberType::NoData:
+            return "none";
+        case NumberType::SpinSystem:
+            return "spin system";
     }
     return "long";
 }
@@ -47,9 +60,7 @@ int countDimensions(const SpectrumSource& s) {
 }
 
 int directFIndex(const SpectrumSource& s) {
-    for (int f = 3; f >= 1; --f)
-        if (s.dims[f].points > 1) return f;
-    return 0;
+    return directFIndex(s.dims);
 }
 
 uint32_t normalisedFlags(uint32_t flags) {

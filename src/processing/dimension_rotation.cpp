@@ -68,9 +68,8 @@ std::vector<int> movesBetween(const AxisOrder& from, const AxisOrder& target) {
 int currentContiguous(const SpectrumMatrix& m) {
     if (m.contiguous >= 1 && m.contiguous <= 3) return m.contiguous;
     // Not recorded: the direct axis as loaded, the highest f-index in use.
-    for (int f = 3; f >= 1; --f)
-        if (axisPoints(m, f) > 1) return f;
-    return 1;
+    const int direct = directFIndex(m.dims);
+    return direct ? direct : 1;
 }
 
 bool sizeMatches(const SpectrumMatrix& m, size_t& total) {
