@@ -12,6 +12,10 @@
 namespace zolt {
 namespace {
 
+// Bound on the refits of the polynomial baseline; each only drops points, and real spectra
+// settle well within it.
+constexpr int kMaxBaselineRefits = 50;
+
 bool axisUsable(const SpectrumMatrix& m, int fIndex) {
     return fIndex >= 1 && fIndex <= 3 && m.dims[fIndex].points >= 2;
 }
@@ -52,6 +56,47 @@ std::vector<double> solveLeastSquares(std::vector<double>& a, std::vector<double
         c[j] = s / diag[j];
     }
     return c;
+}
+
+// At most m of the points, evenly spread over the list.
+std::vector<size_t> evenlySpread(const std::vector<size_t>& points, size_t m) {
+    if (points.size() <= m) return points;
+    std::vector<size_t> chosen(m);
+    for (size_t r = 0; r < m; ++r) chosen[r] = points[r * points.size() / m];
+    return chosen;
+}
+
+// Least-squares polynomial with p coefficients through the given points of row.
+std::vector<double> fitThrough(const float* row, const std::vector<size_t>& points, size_t n,
+                               size_t p) {
+    const size_t m = points.size();
+    std::vector<double> a(m * p), b(m);
+    for (size_t r = 0; r < m; ++r) {
+        const double x = normalisedAbscissa(points[r], n);
+        double power = 1.0;
+        for (size_t j = 0; j < p; ++j, power *= x) a[j * m + r] = power;
+        b[r] = row[points[r]];
+    }
+    return solveLeastSquares(a, b, m, p);
+}
+
+// The points that lie at most three standard deviations of the noise above the curve. The
+// noise is measured robustly, by the median distance to the curve, so that the broad signal
+// the fit has to get rid of does not widen the limit.
+std::vector<size_t> pointsNotAboveCurve(const float* row, const std::vector<size_t>& points,
+                                    size_t n, const std::vector<double>& c) {
+    std::vector<double> residual(points.size()), distance(points.size());
+    for (size_t r = 0; r < points.size(); ++r) {
+        residual[r] = row[points[r]] - evaluatePolynomial(c, normalisedAbscissa(points[r], n));
+        distance[r] = std::fabs(residual[r]);
+    }
+    auto middle = distance.begin() + static_cast<std::ptrdiff_t>(distance.size() / 2);
+    std::nth_element(distance.begin(), middle, distance.end());
+    const double limit = 3.0 * 1.4826 * *middle;
+    std::vector<size_t> kept;
+    for (size_t r = 0; r < points.size(); ++r)
+        if (residual[r] <= limit) kept.push_back(points[r]);
+    return kept;
 }
 
 // First point and length of the part of a row that takes part.
@@ -99,17 +144,18 @@ std::vector<double> fitBaselinePolynomial(const float* row, const uint8_t* mask,
     for (size_t i = 0; i < n; ++i)
         if (!mask[i]) baseline.push_back(i);
     if (baseline.size() < p) return {};
-    const size_t m = std::min(baseline.size(), polynomialFitPoints(n, order));
-    std::vector<double> a(m * p), b(m);
-    for (size_t r = 0; r < m; ++r) {
-        // Evenly spread over the baseline points when there are more than may enter.
-        const size_t i = baseline[r * baseline.size() / m];
-        const double x = normalisedAbscissa(i, n);
-        double power = 1.0;
-        for (size_t j = 0; j < p; ++j, power *= x) a[j * m + r] = power;
-        b[r] = row[i];
+    auto chosen = evenlySpread(baseline, polynomialFitPoints(n, order));
+    auto c = fitThrough(row, chosen, n, p);
+    // The detector sees lines, not humps: a broad signal (an exchange-broadened OH, a probe
+    // background) passes for baseline and would bend the curve into itself. Fit points more
+    // than three noise deviations above the curve are dropped and the fit repeated.
+    for (int round = 0; round < kMaxBaselineRefits; ++round) {
+        auto kept = pointsNotAboveCurve(row, chosen, n, c);
+        if (kept.size() == chosen.size() || kept.size() < p) break;
+        chosen = std::move(kept);
+        c = fitThrough(row, chosen, n, p);
     }
-    return solveLeastSquares(a, b, m, p);
+    return c;
 }
 
 bool forEachRealRow(SpectrumMatrix& m, int fIndex, const std::function<void(float*, size_t)>& fn) {

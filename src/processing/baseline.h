@@ -33,8 +33,10 @@ double evaluatePolynomial(const std::vector<double>& coefficients, double x);
 // The most points that may enter the fit of an n-point row: 64*order + 8 + n/16.
 size_t polynomialFitPoints(size_t n, int order);
 // Least squares by Householder QR through the baseline points (mask 0) of row, at most
-// polynomialFitPoints of them evenly spread over the list of baseline points. Empty when fewer
-// baseline points than coefficients remain.
+// polynomialFitPoints of them evenly spread over the list of baseline points. The fit is
+// repeated without the baseline points lying more than three noise deviations above it, until
+// none does, so that the curve passes under broad humps. Empty when fewer baseline points than
+// coefficients remain.
 std::vector<double> fitBaselinePolynomial(const float* row, const uint8_t* mask, size_t n,
                                           int order);
 
