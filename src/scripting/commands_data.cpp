@@ -46,12 +46,9 @@ int copy(lua_State* L) {
         lua_pushnumber(L, m.re[offset + i]);
         lua_rawseti(L, -2, static_cast<int>(i + 1));
     }
-    lua_pushnumber(L, double(nx));
-    lua_setfield(L, -2, "x");
-    lua_pushnumber(L, double(ny));
-    lua_setfield(L, -2, "y");
-    lua_pushnumber(L, double(nz));
-    lua_setfield(L, -2, "z");
+    setNumberField(L, "x", double(nx));
+    setNumberField(L, "y", double(ny));
+    setNumberField(L, "z", double(nz));
     return 1;
 }
 

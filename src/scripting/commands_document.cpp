@@ -70,18 +70,12 @@ int getf(lua_State* L) {
     lua_createtable(L, 0, 7);
     lua_pushstring(L, atomText(r, atom));
     lua_setfield(L, -2, "atom");
-    lua_pushnumber(L, r.isotope);
-    lua_setfield(L, -2, "mass");
-    lua_pushnumber(L, r.points);
-    lua_setfield(L, -2, "size");
-    lua_pushnumber(L, r.lowestPpm);
-    lua_setfield(L, -2, "start");
-    lua_pushnumber(L, r.spectralWidth);
-    lua_setfield(L, -2, "width");
-    lua_pushnumber(L, r.carrier);
-    lua_setfield(L, -2, "MHz");
-    lua_pushnumber(L, r.timeShift);
-    lua_setfield(L, -2, "zero");
+    setNumberField(L, "mass", r.isotope);
+    setNumberField(L, "size", r.points);
+    setNumberField(L, "start", r.lowestPpm);
+    setNumberField(L, "width", r.spectralWidth);
+    setNumberField(L, "MHz", r.carrier);
+    setNumberField(L, "zero", r.timeShift);
     return 1;
 }
 

@@ -29,6 +29,12 @@ inline bool optBoolean(lua_State* L, int i, bool def) {
 long long optClampedInteger(lua_State* L, int i, double def, long long lo, long long hi);
 double clampNumber(double x, double lo, double hi);
 
+// t[key] = value for the table on top of the stack.
+inline void setNumberField(lua_State* L, const char* key, double value) {
+    lua_pushnumber(L, value);
+    lua_setfield(L, -2, key);
+}
+
 // Still has dimensions in the time domain.
 inline bool inTimeDomain(const SpectrumDocument& d) {
     return d.source.highestTIndex > 0;
