@@ -68,7 +68,7 @@ std::string readFile(const std::string& path) {
 }
 
 std::unique_ptr<SpectrumDocument> openExperiment(const std::string& name) {
-    OpenFailure failure;
+    Message failure;
     return readDocument(bruker(name), Preferences{}, failure);
 }
 

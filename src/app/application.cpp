@@ -32,7 +32,7 @@ bool Application::save(SpectrumDocument& document) {
         document.documentPath.empty() ? documentPathFor(document) : document.documentPath;
     const SaveResult r = saveDocument(document, path, preferences_.has(pref_flags::kDoBackUp));
     if (!r.ok) {
-        platform_.messageBox(r.caption, r.text);
+        platform_.messageBox(r.message.caption, r.message.text);
         return false;
     }
     document.documentPath = path;
@@ -70,7 +70,7 @@ bool Application::openOne(const std::string& path) {
         platform_.messageBox(kTooManyCaption, kTooManyText);
         return false;
     }
-    OpenFailure failure;
+    Message failure;
     auto doc = readDocument(path, preferences_, failure);
     if (!doc) {
         platform_.messageBox(failure.caption, failure.text);
@@ -91,7 +91,7 @@ int Application::open(const std::string& path) {
             full = true;
             return false;
         }
-        OpenFailure failure;
+        Message failure;
         if (auto doc = readDocument(found, preferences_, failure)) {
             addDocument(std::move(doc));
             ++opened;
@@ -110,7 +110,7 @@ bool Application::reload(SpectrumDocument& document, bool clearProcessedChoice) 
     if (document.source.rawPath.empty()) return false;
     Preferences prefs = preferences_;
     if (clearProcessedChoice) prefs.flags &= ~pref_flags::kReadProcessedData;
-    OpenFailure failure;
+    Message failure;
     auto fresh = readDocument(document.source.rawPath, prefs, failure);
     if (!fresh) {
         platform_.messageBox(failure.caption, failure.text);

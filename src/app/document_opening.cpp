@@ -89,11 +89,11 @@ std::string documentFileFor(const fs::path& path, const RecognitionOptions& reco
 std::unique_ptr<SpectrumDocument> readSavedDocument(const std::string& path,
                                                     const RecognitionOptions& recognition,
                                                     const Preferences& prefs,
-                                                    OpenFailure& failure) {
+                                                    Message& failure) {
     const std::string documentPath = documentFileFor(fs::path(path), recognition);
     DocumentRead read = readDocumentFile(documentPath);
     if (!read.document) {
-        failure = {read.caption, read.text};
+        failure = read.message;
         return nullptr;
     }
     std::unique_ptr<SpectrumDocument> doc = std::move(read.document);
@@ -120,7 +120,7 @@ bool isDataSetFolder(const std::string& path) {
 }
 
 std::unique_ptr<SpectrumDocument> readDocument(const std::string& path, const Preferences& prefs,
-                                               OpenFailure& failure) {
+                                               Message& failure) {
     std::error_code ec;
     // A folder is recognised by what lies inside it.
     const std::string member = fs::is_directory(path, ec) ? dataFileOf(path) : path;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "base/message.h"
 #include "app/preferences.h"
 #include "model/spectrum_document.h"
 
@@ -19,15 +20,10 @@ inline constexpr const char* kNothingRecognisedText =
 // Path components a window name keeps.
 inline constexpr int kWindowNameDepth = 3;
 
-struct OpenFailure {
-    std::string caption;
-    std::string text;
-};
-
 // A file, or an experiment folder, read, completed and loaded, with the default FT steps of
 // its time-domain axes. Nothing, and the message to show, when it cannot be read.
 std::unique_ptr<SpectrumDocument> readDocument(const std::string& path, const Preferences& prefs,
-                                               OpenFailure& failure);
+                                               Message& failure);
 
 // True when the folder itself is one data set (its parameter file lies inside).
 bool isDataSetFolder(const std::string& path);

@@ -163,7 +163,7 @@ int runInfoCommand(const std::vector<std::string>& args, std::ostream& out, std:
     const Preferences prefs = infoPreferences(options->processed);
     int status = 0;
     for (const auto& path : options->paths) {
-        OpenFailure failure;
+        Message failure;
         const auto doc = readDocument(path, prefs, failure);
         if (!doc) {
             err << failure.caption << ": " << failure.text << "\n";

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "base/files.h"
 #include "io/format_recognition.h"
 #include "processing/processing_log.h"
 #include "processing/processing_record.h"
@@ -204,25 +205,6 @@ Value* performedProcessingToTree(const SpectrumDocument& doc) {
     return lines;
 }
 
-bool writeWhole(const std::string& path, const std::string& text) {
-    FILE* f = std::fopen(path.c_str(), "wb");
-    if (!f) return false;
-    const bool ok = std::fwrite(text.data(), 1, text.size(), f) == text.size();
-    return std::fclose(f) == 0 && ok;
-}
-
-std::optional<std::string> readWhole(const std::string& path) {
-    std::error_code ec;
-    const auto size = fs::file_size(path, ec);
-    if (ec || size > kMaxDocumentBytes) return std::nullopt;
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return std::nullopt;
-    std::string text(size, '\0');
-    in.read(text.data(), static_cast<std::streamsize>(size));
-    if (static_cast<size_t>(in.gcount()) != size) return std::nullopt;
-    return text;
-}
-
 // The saved raw file in the document's folder, or the document's own base name with the
 // saved file's extension (the data were renamed together with their document).
 std::optional<std::string> locateRawData(const fs::path& document, const std::string& saved) {
@@ -347,14 +329,12 @@ std::string documentPathFor(const SpectrumDocument& doc) {
 }
 
 SaveResult saveDocument(const SpectrumDocument& doc, const std::string& path, bool doBackUp) {
-    const SaveResult failed{false, kSystemErrorCaption, kSystemErrorText};
+    const SaveResult failed{false, {kSystemErrorCaption, kSystemErrorText}};
     plist::Ref tree(buildDocumentTree(doc));
     const std::string text = plist::write(tree.get());
-    const std::string temporary = path + ".saving";
-    if (!writeWhole(temporary, text)) {
-        std::remove(temporary.c_str());
-        return failed;
-    }
+    const std::optional<std::string> written = writeTemporaryBeside(path, text);
+    if (!written) return failed;
+    const std::string& temporary = *written;
     std::error_code ec;
     if (doBackUp && fs::exists(path, ec)) {
         fs::path back = path;
@@ -367,25 +347,25 @@ SaveResult saveDocument(const SpectrumDocument& doc, const std::string& path, bo
     // rename replaces an existing document in one step.
     fs::rename(temporary, path, ec);
     if (ec) return std::remove(temporary.c_str()), failed;
-    return {true, {}, {}};
+    return {true, {}};
 }
 
 DocumentRead readDocumentFile(const std::string& path) {
     DocumentRead r;
     const auto incoherent = [&r] {
-        r.caption = "Failed to Read the file";
-        r.text = "This Zolt file seems incoherent";
+        r.message.caption = "Failed to Read the file";
+        r.message.text = "This Zolt file seems incoherent";
         r.document.reset();
         return std::move(r);
     };
-    const std::optional<std::string> text = readWhole(path);
+    const std::optional<std::string> text = readWholeFile(path, kMaxDocumentBytes);
     if (!text) return incoherent();
     plist::Ref root(plist::read(*text));
     if (!root || root->kind != plist::Kind::Dictionary) return incoherent();
     const int64_t readVersion = integerOr(root.get(), "! read with version", 0);
     if (readVersion > kWriterVersion) {
-        r.caption = kNewerVersionCaption;
-        r.text = kNewerVersionText;
+        r.message.caption = kNewerVersionCaption;
+        r.message.text = kNewerVersionText;
         return r;
     }
     std::optional<SpectrumSource> source =

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "base/message.h"
 #include "io/plist.h"
 #include "model/spectrum_document.h"
 
@@ -27,7 +28,7 @@ std::string documentPathFor(const SpectrumDocument& doc);
 
 struct SaveResult {
     bool ok = false;
-    std::string caption, text;  // the message on failure
+    Message message;  // on failure
 };
 
 // Writes the new document completely before the previous one is renamed to its "back" file
@@ -36,7 +37,7 @@ SaveResult saveDocument(const SpectrumDocument& doc, const std::string& path, bo
 
 struct DocumentRead {
     std::unique_ptr<SpectrumDocument> document;  // source, metadata, steps; no matrix yet
-    std::string caption, text;                   // the message on failure
+    Message message;                             // on failure
 };
 
 // Parses a document file and rebuilds its source (locating moved raw data), metadata and

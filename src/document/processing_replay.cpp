@@ -15,7 +15,7 @@ int rawHighestTIndex(int savedTIndex, uint32_t doneMask) {
     return t;
 }
 
-std::optional<ReplayMessage> replayProcessing(SpectrumDocument& doc, bool run) {
+std::optional<Message> replayProcessing(SpectrumDocument& doc, bool run) {
     ProcessingRecord saved = std::move(doc.processing);
     doc.processing = {};
     doc.source.highestTIndex =
@@ -29,9 +29,9 @@ std::optional<ReplayMessage> replayProcessing(SpectrumDocument& doc, bool run) {
     for (const ProcessingStep& step : saved.steps)
         if (step.kind() == StepKind::FourierTransform) doc.processing.steps.push_back(step);
 
-    std::optional<ReplayMessage> message;
+    std::optional<Message> message;
     auto keep = [&message](const auto& m) {
-        if (m && !message) message = ReplayMessage{m->caption, m->text};
+        if (m && !message) message = Message{m->caption, m->text};
     };
     for (int d = 3; d >= 1; --d) {
         if (!(saved.doneMask & done_mask::transformed(d))) continue;

@@ -4,20 +4,16 @@
 #include <optional>
 #include <string>
 
+#include "base/message.h"
 #include "model/spectrum_document.h"
 
 namespace zolt {
-
-struct ReplayMessage {
-    std::string caption;
-    std::string text;
-};
 
 // The document holds its freshly loaded raw data and the record as saved. Every dimension
 // the saved done mask marks as transformed is transformed again by its step (highest f-index
 // first), then the other steps run in their saved order. The record ends as it was saved.
 // With run false the data stay raw and the record is kept as the plan to carry out.
-std::optional<ReplayMessage> replayProcessing(SpectrumDocument& doc, bool run = true);
+std::optional<Message> replayProcessing(SpectrumDocument& doc, bool run = true);
 
 // The highest t-index of the raw data, from the saved (current) one and the dimensions the
 // done mask marks as transformed.

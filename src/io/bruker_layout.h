@@ -8,16 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "base/paths.h"
 #include "io/bruker_parameters.h"
 #include "io/bruker_reader.h"
 
 namespace zolt {
-
-// Paths are UTF-8 strings with "/" separators.
-std::filesystem::path toPath(const std::string& utf8);
-std::string fromPath(const std::filesystem::path& path);
-bool isRegularFile(const std::string& path);
-std::optional<uintmax_t> fileSize(const std::string& path);
 
 struct BrukerLayout {
     std::string dataPath;  // fid, ser, 1r ...

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <limits>
 
+#include "base/files.h"
 #include "io/bruker_reader.h"
 
 namespace zolt {
@@ -37,18 +38,7 @@ int clampToInt(int64_t v) {
 }  // namespace
 
 std::optional<std::string> readParameterFile(const std::string& path, uintmax_t maxBytes) {
-    namespace fs = std::filesystem;
-    std::error_code ec;
-    const fs::path p(reinterpret_cast<const char8_t*>(path.c_str()));
-    if (!fs::is_regular_file(p, ec)) return std::nullopt;
-    const uintmax_t size = fs::file_size(p, ec);
-    if (ec || size > maxBytes) return std::nullopt;
-    std::ifstream in(p, std::ios::binary);
-    if (!in) return std::nullopt;
-    std::string text(static_cast<size_t>(size), '\0');
-    in.read(text.data(), static_cast<std::streamsize>(size));
-    text.resize(static_cast<size_t>(in.gcount()));
-    return text;
+    return readWholeFile(path, maxBytes);
 }
 
 ParameterValue parseParameterValue(std::string_view text, size_t offset, const ParameterKey& key) {

@@ -6,6 +6,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include "base/files.h"
+#include "base/paths.h"
+
 namespace zolt {
 namespace {
 
@@ -46,14 +49,9 @@ bool winNmrName(const fs::path& p) {
 
 FormatCode byContent(const fs::path& p) {
     std::array<unsigned char, 48> b{};
-    size_t n = 0;
-    {
-        std::ifstream in(p, std::ios::binary);
-        if (in) {
-            in.read(reinterpret_cast<char*>(b.data()), b.size());
-            n = static_cast<size_t>(in.gcount());
-        }
-    }
+    const std::string head = readFileHead(fromPath(p), b.size());
+    const size_t n = head.size();
+    std::copy(head.begin(), head.end(), b.begin());
     if (n >= 3 && b[1] == 0x84 && ((b[0] == 'G' && b[2] == 0xF5) || (b[0] == 0xF5 && b[2] == 'G')))
         return FormatCode::Aspect;
     if (n >= 12 && b[0] == 0 && b[1] == 0 && b[2] == 0 && b[3] == 0) {
@@ -153,10 +151,7 @@ bool isMoleculeFile(const std::string& path) {
     for (const char* e : extensions)
         if (ext == e) return true;
     // A molfile without its extension: the counts line of a connection table.
-    std::ifstream in(path, std::ios::binary);
-    std::string head(4096, '\0');
-    in.read(head.data(), static_cast<std::streamsize>(head.size()));
-    head.resize(static_cast<size_t>(in.gcount()));
+    const std::string head = readFileHead(path, 4096);
     return head.find(" V2000") != std::string::npos || head.find(" V3000") != std::string::npos;
 }
 

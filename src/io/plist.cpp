@@ -8,6 +8,8 @@
 #include <limits>
 #include <numeric>
 
+#include "base/files.h"
+
 namespace zolt::plist {
 
 namespace {
@@ -313,17 +315,7 @@ std::string write(const Value* root) {
 }
 
 bool writeFile(const Value* root, const std::string& path) {
-    const std::string text = write(root);
-    const std::string temporary = path + ".partial";
-    std::FILE* f = std::fopen(temporary.c_str(), "wb");
-    if (!f) return false;
-    const bool written = std::fwrite(text.data(), 1, text.size(), f) == text.size();
-    const bool closed = std::fclose(f) == 0;
-    if (!written || !closed || std::rename(temporary.c_str(), path.c_str()) != 0) {
-        std::remove(temporary.c_str());
-        return false;
-    }
-    return true;
+    return writeFileReplacing(path, write(root));
 }
 
 // ---- reader ----

@@ -107,11 +107,11 @@ std::pair<size_t, size_t> rowSpan(const DimensionRecord& axis, const BaseplaneSt
     return {std::min(a, b), std::max(a, b) - std::min(a, b) + 1};
 }
 
-std::optional<BaselineMessage> pointCountMessage(const DimensionRecord& axis,
+std::optional<Message> pointCountMessage(const DimensionRecord& axis,
                                                  const BaseplaneStep& settings) {
     const size_t n = rowSpan(axis, settings).second;
     if (settings.function != 0 && polynomialFitPoints(n, settings.order) >= n)
-        return BaselineMessage{kInsufficientPointsCaption, kInsufficientPointsText};
+        return Message{kInsufficientPointsCaption, kInsufficientPointsText};
     return std::nullopt;
 }
 
@@ -187,7 +187,7 @@ bool forEachRealRow(SpectrumMatrix& m, int fIndex, const std::function<void(floa
     return true;
 }
 
-std::optional<BaselineMessage> correctBaseline(SpectrumMatrix& m, int fIndex,
+std::optional<Message> correctBaseline(SpectrumMatrix& m, int fIndex,
                                                const BaseplaneStep& settings) {
     if (!axisUsable(m, fIndex)) return std::nullopt;
     if (auto message = pointCountMessage(m.dims[fIndex], settings)) return message;
@@ -227,7 +227,7 @@ std::optional<BaselineMessage> correctBaseline(SpectrumMatrix& m, int fIndex,
     return std::nullopt;
 }
 
-std::optional<BaselineMessage> correctBaseline(SpectrumDocument& doc, int fIndex,
+std::optional<Message> correctBaseline(SpectrumDocument& doc, int fIndex,
                                                const BaseplaneStep& settings) {
     if (!axisUsable(doc.matrix, fIndex)) return std::nullopt;
     if (auto message = correctBaseline(doc.matrix, fIndex, settings)) return message;
@@ -235,7 +235,7 @@ std::optional<BaselineMessage> correctBaseline(SpectrumDocument& doc, int fIndex
     return std::nullopt;
 }
 
-std::optional<BaselineMessage> correctBaseplane(SpectrumDocument& doc,
+std::optional<Message> correctBaseplane(SpectrumDocument& doc,
                                                 const BaseplaneStep& settings) {
     // Every axis is checked before any is touched, so that a refusal leaves the data as they were.
     for (int f = 3; f >= 1; --f)

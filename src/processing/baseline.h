@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/message.h"
 #include "model/processing_step.h"
 #include "model/spectrum_document.h"
 
@@ -18,11 +19,6 @@ inline constexpr const char* kInsufficientPointsText = "Try reducing the order o
 
 // Limit under which a diagonal element of R counts as zero in the polynomial fit.
 inline constexpr double kQrZeroLimit = 1.1920928955078125e-7;
-
-struct BaselineMessage {
-    std::string caption;
-    std::string text;
-};
 
 // Abscissa of point i of an n-point row in the polynomial fits: -1 at the first point, +1 at
 // the last, which keeps the powers up to high orders well conditioned.
@@ -46,14 +42,14 @@ std::vector<double> fitBaselinePolynomial(const float* row, const uint8_t* mask,
 // average (the autosampling half-width) and the optional ppm restriction. The threshold of the
 // autosampling is carried from row to row. Returns the message when the polynomial order asks
 // for more points than the row has; the data are then unchanged.
-std::optional<BaselineMessage> correctBaseline(SpectrumMatrix& m, int fIndex,
+std::optional<Message> correctBaseline(SpectrumMatrix& m, int fIndex,
                                                const BaseplaneStep& settings);
 // The same on a document, recording the baseplane step (kind 4) when it ran.
-std::optional<BaselineMessage> correctBaseline(SpectrumDocument& doc, int fIndex,
+std::optional<Message> correctBaseline(SpectrumDocument& doc, int fIndex,
                                                const BaseplaneStep& settings);
 // 2-D and 3-D: row-wise along the direct axis, then along each indirect axis in decreasing
 // f-index, one recorded step per axis. Stops at the first message.
-std::optional<BaselineMessage> correctBaseplane(SpectrumDocument& doc,
+std::optional<Message> correctBaseplane(SpectrumDocument& doc,
                                                 const BaseplaneStep& settings);
 
 // Subtracts the polynomial with explicit coefficients (over normalisedAbscissa of the whole

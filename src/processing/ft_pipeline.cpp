@@ -9,6 +9,7 @@
 #include <numbers>
 #include <sstream>
 
+#include "base/files.h"
 #include "processing/apodization.h"
 #include "processing/dimension_rotation.h"
 #include "processing/fft.h"
@@ -33,7 +34,7 @@ struct Run {
 };
 
 FtResult failure(FtOutcome outcome, const char* caption, const char* text) {
-    return FtResult{outcome, PipelineMessage{caption, text}};
+    return FtResult{outcome, Message{caption, text}};
 }
 
 bool has(const FourierTransformStep& s, uint16_t bit) {
@@ -240,11 +241,9 @@ size_t effectiveFtSize(uint32_t size) {
 }  // namespace
 
 std::optional<std::vector<uint32_t>> readNusList(const std::string& path) {
-    std::error_code ec;
-    const auto bytes = std::filesystem::file_size(path, ec);
-    if (ec || bytes == 0 || bytes > (size_t{16} << 20)) return std::nullopt;
-    std::ifstream in(path);
-    if (!in) return std::nullopt;
+    const std::optional<std::string> text = readWholeFile(path, size_t{16} << 20);
+    if (!text || text->empty()) return std::nullopt;
+    std::istringstream in(*text);
     std::vector<uint32_t> list;
     std::string word;
     while (in >> word) {

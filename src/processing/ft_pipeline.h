@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/message.h"
 #include "model/spectrum_document.h"
 
 namespace zolt {
@@ -34,15 +35,9 @@ enum class FtOutcome {
     NusNoMemory,
 };
 
-// A message for the caller that owns the user action to show (caption, text).
-struct PipelineMessage {
-    std::string caption;
-    std::string text;
-};
-
 struct FtResult {
     FtOutcome outcome = FtOutcome::NothingToTransform;
-    std::optional<PipelineMessage> message;
+    std::optional<Message> message;
     // What the transform command reports: true unless the transient stop flag was set.
     bool proceeds() const { return outcome != FtOutcome::StoppedBeforeTransform; }
 };

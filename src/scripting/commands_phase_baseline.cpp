@@ -39,7 +39,7 @@ bool phaseable(const SpectrumMatrix& m) {
     return !m.realOnly() && !m.im.empty() && !(m.state & matrix_state::kMagnitude);
 }
 
-void report(lua_State* L, const std::optional<BaselineMessage>& message) {
+void report(lua_State* L, const std::optional<Message>& message) {
     if (message) host(L).context().message(message->caption, message->text);
 }
 

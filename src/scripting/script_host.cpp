@@ -6,6 +6,8 @@
 #include <lua.hpp>
 #include <sstream>
 
+#include "base/files.h"
+#include "base/paths.h"
 #include "scripting/commands.h"
 
 namespace zolt {
@@ -24,15 +26,7 @@ std::string errorText(lua_State* L) {
 }
 
 std::optional<std::string> readScript(const std::filesystem::path& path) {
-    std::error_code ec;
-    if (!std::filesystem::is_regular_file(path, ec)) return std::nullopt;
-    auto size = std::filesystem::file_size(path, ec);
-    if (ec || size > kMaxScriptBytes) return std::nullopt;
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return std::nullopt;
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
+    return readWholeFile(fromPath(path), kMaxScriptBytes);
 }
 
 bool isAbsoluteScriptName(const std::string& name) {

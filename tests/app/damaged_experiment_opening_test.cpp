@@ -38,7 +38,7 @@ public:
         std::ofstream(dir_ + "/" + file, std::ios::binary) << text;
     }
 
-    std::unique_ptr<SpectrumDocument> open(OpenFailure& failure) const {
+    std::unique_ptr<SpectrumDocument> open(Message& failure) const {
         return readDocument(dir_, Preferences{}, failure);
     }
     // The 32-bit word at a byte offset of the original raw file.
@@ -54,7 +54,7 @@ private:
     std::string original_, dir_, raw_;
 };
 
-void expectFailure(const OpenFailure& failure, const char* text) {
+void expectFailure(const Message& failure, const char* text) {
     EXPECT_EQ(failure.caption, "Failed to Read the file");
     EXPECT_EQ(failure.text, text);
 }
@@ -64,7 +64,7 @@ TEST(DamagedExperimentOpening, TdOfTwoToThe31OnAnFidIsRefusedWithoutAllocating) 
         SCOPED_TRACE(td);
         DamagedCopy copy("aspirin-1h", "fid", std::string::npos);
         copy.replace("acqus", "##$TD= 16384", std::string("##$TD= ") + td);
-        OpenFailure failure;
+        Message failure;
         EXPECT_FALSE(copy.open(failure));
         expectFailure(failure, "Error found while trying to read data-points");
     }
@@ -73,7 +73,7 @@ TEST(DamagedExperimentOpening, TdOfTwoToThe31OnAnFidIsRefusedWithoutAllocating) 
 TEST(DamagedExperimentOpening, TdOfTwoToThe31OnASerKeepsItsRowsButRefusesSuchRows) {
     DamagedCopy rows("cyclosporin-cosy", "ser", std::string::npos);
     rows.replace("acqu2s", "##$TD= 128", "##$TD= 2147483648");
-    OpenFailure failure;
+    Message failure;
     const auto doc = rows.open(failure);
     ASSERT_TRUE(doc) << failure.text;
     EXPECT_EQ(doc->matrix.dims[1].points, 128u);
@@ -88,7 +88,7 @@ TEST(DamagedExperimentOpening, TdOfTwoToThe31OnASerKeepsItsRowsButRefusesSuchRow
 TEST(DamagedExperimentOpening, SerCutInsideARowKeepsTheCompleteRows) {
     // 8192 bytes a row: 100 rows and a half.
     DamagedCopy copy("cyclosporin-cosy", "ser", 100 * 8192 + 4096);
-    OpenFailure failure;
+    Message failure;
     const auto doc = copy.open(failure);
     ASSERT_TRUE(doc) << failure.text;
     const SpectrumMatrix& m = doc->matrix;
@@ -107,7 +107,7 @@ TEST(DamagedExperimentOpening, SerShorterThanOneRowIsIncoherent) {
     for (size_t bytes : {size_t{0}, size_t{8191}}) {
         SCOPED_TRACE(bytes);
         DamagedCopy copy("cyclosporin-cosy", "ser", bytes);
-        OpenFailure failure;
+        Message failure;
         EXPECT_FALSE(copy.open(failure));
         expectFailure(failure, "This Bruker file seems incoherent");
     }
@@ -117,7 +117,7 @@ TEST(DamagedExperimentOpening, FidCutShortGivesTheDataPointMessageOrItsCompleteP
     // The FID is one row: with most of it there the rest reads as zeros, with less it is refused.
     {
         DamagedCopy copy("aspirin-1h", "fid", 6000 * 8);
-        OpenFailure failure;
+        Message failure;
         const auto doc = copy.open(failure);
         ASSERT_TRUE(doc) << failure.text;
         ASSERT_EQ(doc->matrix.re.size(), 8192u);
@@ -126,7 +126,7 @@ TEST(DamagedExperimentOpening, FidCutShortGivesTheDataPointMessageOrItsCompleteP
         EXPECT_EQ(doc->matrix.im[8191], 0.0f);
     }
     DamagedCopy copy("aspirin-1h", "fid", 3000 * 8);
-    OpenFailure failure;
+    Message failure;
     EXPECT_FALSE(copy.open(failure));
     expectFailure(failure, "Error found while trying to read data-points");
 }

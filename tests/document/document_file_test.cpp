@@ -1,7 +1,9 @@
 #include "document/document_file.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 
@@ -76,7 +78,7 @@ TEST_F(DocumentFile, SourceSurvivesTheRoundTrip) {
     const std::string path = dir_ + "/ser.zolt";
     ASSERT_TRUE(saveDocument(doc, path, false).ok);
     DocumentRead read = readDocumentFile(path);
-    ASSERT_TRUE(read.document) << read.caption << ": " << read.text;
+    ASSERT_TRUE(read.document) << read.message.caption << ": " << read.message.text;
     const SpectrumSource& s = read.document->source;
     EXPECT_EQ(s.flags, doc.source.flags);  // "interleaved" read back although saved false
     EXPECT_EQ(s.dims[2].timeShift, -76.0f);
@@ -99,8 +101,8 @@ TEST_F(DocumentFile, NewerReadVersionIsRefused) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
     DocumentRead refused = readDocumentFile(path);
     EXPECT_FALSE(refused.document);
-    EXPECT_EQ(refused.caption, "This file requires another version of Zolt");
-    EXPECT_EQ(refused.text,
+    EXPECT_EQ(refused.message.caption, "This file requires another version of Zolt");
+    EXPECT_EQ(refused.message.text,
               "You can either update your copy of the program or rename the *.zolt file");
 
     text.replace(text.find("<integer>712</integer>"), 22, "<integer>711</integer>");
@@ -130,19 +132,30 @@ TEST_F(DocumentFile, FileThatCannotBeCreatedKeepsThePreviousDocument) {
     const std::string path = dir_ + "/ser.zolt";
     ASSERT_TRUE(saveDocument(doc, path, true).ok);
     const std::string before = testdata::readFile(path);
-    // Something in the way of the new file: it cannot be created, even by root.
-    fs::create_directory(path + ".saving");
+    // A disk that fills up while the new file is written (a file-size limit of 1 KiB): even
+    // root cannot get past it.
     doc.metadata.title = "lost";
+    rlimit saved{};
+    getrlimit(RLIMIT_FSIZE, &saved);
+    const auto previousHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit tiny = saved;
+    tiny.rlim_cur = 1024;
+    setrlimit(RLIMIT_FSIZE, &tiny);
     const SaveResult r = saveDocument(doc, path, true);
+    setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, previousHandler);
     EXPECT_FALSE(r.ok);
-    EXPECT_EQ(r.caption, "There was a System Error");
-    EXPECT_EQ(r.text, "Failed to Create the File");
+    EXPECT_EQ(r.message.caption, "There was a System Error");
+    EXPECT_EQ(r.message.text, "Failed to Create the File");
     EXPECT_EQ(testdata::readFile(path), before);
     EXPECT_FALSE(fs::exists(dir_ + "/ser.back"));
+    int files = 0;  // the partial file is gone too
+    for ([[maybe_unused]] const auto& e : fs::directory_iterator(dir_)) ++files;
+    EXPECT_EQ(files, 2);
     // Nor can a file in a missing folder.
     const SaveResult missing = saveDocument(doc, dir_ + "/missing/ser.zolt", false);
     EXPECT_FALSE(missing.ok);
-    EXPECT_EQ(missing.caption, "There was a System Error");
+    EXPECT_EQ(missing.message.caption, "There was a System Error");
 }
 
 TEST_F(DocumentFile, MovedRawDataAreFoundByTheDocumentName) {
@@ -157,7 +170,7 @@ TEST_F(DocumentFile, MovedRawDataAreFoundByTheDocumentName) {
     fs::remove(dir_ + "/run7");
     DocumentRead missing = readDocumentFile(dir_ + "/run7.zolt");
     EXPECT_FALSE(missing.document);
-    EXPECT_EQ(missing.caption, "Failed to Read the file");
+    EXPECT_EQ(missing.message.caption, "Failed to Read the file");
 }
 
 TEST_F(DocumentFile, HostileDocumentsAreRefusedQuietly) {
@@ -168,7 +181,7 @@ TEST_F(DocumentFile, HostileDocumentsAreRefusedQuietly) {
         std::ofstream(dir_ + "/bad.zolt", std::ios::trunc) << text;
         DocumentRead r = readDocumentFile(dir_ + "/bad.zolt");
         EXPECT_FALSE(r.document);
-        EXPECT_EQ(r.caption, "Failed to Read the file");
+        EXPECT_EQ(r.message.caption, "Failed to Read the file");
     }
 }
 

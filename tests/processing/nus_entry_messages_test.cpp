@@ -21,7 +21,7 @@ TEST(NusEntryMessages, RealHsqcWithoutItsSamplingListStaysInTheTimeDomain) {
     const std::string dir = testdata::freshTempDir("nus-missing");
     for (const char* file : {"acqus", "acqu2s", "pulseprogram", "ser"})
         fs::copy_file(original + "/" + file, dir + "/" + file);
-    OpenFailure failure;
+    Message failure;
     auto doc = readDocument(dir, Preferences{}, failure);
     ASSERT_TRUE(doc) << failure.text;
     ASSERT_EQ(doc->matrix.dims[1].pointsAfterNus, 1024u);
