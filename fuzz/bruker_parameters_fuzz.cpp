@@ -8,9 +8,9 @@
 #include <string>
 #include <string_view>
 
-#include "io/bruker_layout.h"
-#include "io/bruker_parameters.h"
-#include "io/bruker_pulse_program.h"
+#include "io/bruker/bruker_layout.h"
+#include "io/bruker/bruker_parameters.h"
+#include "io/bruker/bruker_pulse_program.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace zolt;

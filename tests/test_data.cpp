@@ -9,7 +9,7 @@
 #include <stdexcept>
 
 #include "app/document_opening.h"
-#include "io/bruker_reader.h"
+#include "io/bruker/bruker_reader.h"
 #include "io/raw_loader.h"
 #include "processing/ft_pipeline.h"
 
@@ -84,7 +84,7 @@ std::unique_ptr<SpectrumDocument> openTransformed(const std::string& name) {
 }
 
 std::optional<SpectrumMatrix> vendorSpectrum(const std::string& name) {
-    BrukerReadOptions processed;
+    ReadOptions processed;
     processed.processed = true;
     const auto read = readBrukerFolder(bruker(name), processed);
     // Without processed files the reader falls back to the time-domain data.

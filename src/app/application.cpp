@@ -5,6 +5,7 @@
 
 #include "app/document_opening.h"
 #include "document/document_file.h"
+#include "io/data_set_walk.h"
 
 namespace zolt {
 

@@ -1,6 +1,8 @@
+#include "io/byte_order_probe.h"
+
 #include <fstream>
 
-#include "io/bruker_layout.h"
+#include "base/paths.h"
 
 namespace zolt {
 

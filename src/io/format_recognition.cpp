@@ -82,63 +82,6 @@ FormatCode byContent(const fs::path& p) {
 
 }  // namespace
 
-const char* formatName(FormatCode code) {
-    switch (code) {
-        case FormatCode::Bruker:
-            return "Bruker";
-        case FormatCode::ParaVision:
-            return "ParaVision";
-        case FormatCode::Varian:
-            return "Varian";
-        case FormatCode::Spinsight:
-            return "Spinsight";
-        case FormatCode::WinNmr:
-            return "Win-NMR";
-        case FormatCode::CaraXEasy:
-            return "CARA-XEasy";
-        case FormatCode::Tavrel:
-            return "Tavrel";
-        case FormatCode::Corvane:
-            return "Corvane";
-        case FormatCode::Aspect:
-            return "Aspect";
-        case FormatCode::NtNmr:
-            return "NT-NMR";
-        case FormatCode::JeolDelta:
-            return "Jeol Delta";
-        case FormatCode::JeolGx:
-            return "Jeol GX";
-        case FormatCode::JcampDx:
-            return "JCAMP-DX";
-        case FormatCode::GeMedNmr:
-            return "GE_MED_NMR";
-        case FormatCode::Siemens:
-            return "Siemens";
-        case FormatCode::Philips:
-            return "Philips";
-        case FormatCode::MacNmr:
-            return "MacNMR";
-        case FormatCode::Alice:
-            return "Alice";
-        case FormatCode::Ascii:
-            return "ASCII";
-        case FormatCode::NmrPipe:
-            return "NMRPipe";
-        case FormatCode::MacFid:
-            return "MacFID";
-        case FormatCode::Simpson:
-            return "Simpson";
-        case FormatCode::Nuts2:
-            return "Nuts 2";
-        default:
-            return "Zolt";
-    }
-}
-
-std::string incoherentFileText(FormatCode code) {
-    return std::string("This ") + formatName(code) + " file seems incoherent";
-}
-
 std::string companionDocumentPath(const std::string& path) {
     if (endsWith(path, ".spins") || endsWith(path, ".poster")) return path;
     return path + ".zolt";

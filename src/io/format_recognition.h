@@ -5,6 +5,7 @@
 
 namespace zolt {
 
+// Names and readers of the codes: io/reader_table.h.
 enum class FormatCode : int {
     Zolt = 0,
     Bruker = 1,
@@ -37,9 +38,6 @@ enum class FormatCode : int {
     MoleculeFile = 28,
 };
 
-// The name stored as provenance and shown in messages; codes without one are "Zolt".
-const char* formatName(FormatCode code);
-
 struct RecognitionOptions {
     // The preference for processed-data documents: pdata/1/plist.zolt wins over acqus.
     bool preferProcessedDocuments = false;
@@ -59,10 +57,5 @@ bool isMoleculeFile(const std::string& path);
 inline constexpr const char* kMoleculeFileCaption = "Open an NMR spectrum first";
 inline constexpr const char* kMoleculeFileText =
     "You have chosen a kind of file that Zolt can only show within another document.";
-inline constexpr const char* kUnknownFormatText = "This format is unknown";
-inline constexpr const char* kIncoherentFileText = "This %s file seems incoherent";
-
-// "This Bruker file seems incoherent".
-std::string incoherentFileText(FormatCode code);
 
 }  // namespace zolt

@@ -2,7 +2,7 @@
 
 #include <fstream>
 
-#include "io/bruker_reader.h"
+#include "io/byte_order_probe.h"
 #include "test_data.h"
 
 namespace zolt {

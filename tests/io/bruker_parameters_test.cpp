@@ -1,11 +1,11 @@
-#include "io/bruker_parameters.h"
+#include "io/bruker/bruker_parameters.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <fstream>
 
-#include "io/bruker_reader.h"
+#include "io/bruker/bruker_reader.h"
 #include "test_data.h"
 
 namespace zolt {

@@ -1,4 +1,4 @@
-#include "io/bruker_reader.h"
+#include "io/bruker/bruker_reader.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <fstream>
 #include <map>
 
-#include "io/bruker_layout.h"
+#include "io/bruker/bruker_layout.h"
 #include "test_data.h"
 
 namespace zolt {
@@ -16,7 +16,7 @@ using namespace source_flags;
 namespace fs = std::filesystem;
 using Parameters = std::map<std::string, std::string>;
 
-std::optional<BrukerRead> readSet(const std::string& name, BrukerReadOptions options = {}) {
+std::optional<DataSetRead> readSet(const std::string& name, ReadOptions options = {}) {
     return readBrukerFolder(testdata::bruker(name), options);
 }
 
@@ -195,7 +195,7 @@ TEST(BrukerReaderData, EachAxisCarriesTheSpectrometersWindowAndSize) {
     }
     EXPECT_FALSE(hsqc->vendorProcessing[3].present);
     // Processed data are not transformed again.
-    BrukerReadOptions processed;
+    ReadOptions processed;
     processed.processed = true;
     EXPECT_FALSE(readSet("aspirin-1h-processed", processed)->vendorProcessing[1].present);
 }

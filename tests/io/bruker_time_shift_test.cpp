@@ -1,4 +1,4 @@
-#include "io/bruker_time_shift.h"
+#include "io/bruker/bruker_time_shift.h"
 
 #include <gtest/gtest.h>
 

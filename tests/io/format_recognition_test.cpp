@@ -6,6 +6,7 @@
 #include <fstream>
 #include <string>
 
+#include "io/reader_table.h"
 #include "test_data.h"
 
 namespace zolt {

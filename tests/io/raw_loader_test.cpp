@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "io/bruker_reader.h"
+#include "io/bruker/bruker_reader.h"
 #include "test_data.h"
 
 namespace zolt {

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <cctype>
 
-#include "io/bruker_layout.h"
-#include "io/bruker_pulse_program.h"
-#include "io/bruker_time_shift.h"
+#include "io/bruker/bruker_layout.h"
+#include "io/bruker/bruker_pulse_program.h"
+#include "io/bruker/bruker_time_shift.h"
 
 namespace zolt {
 

@@ -1,4 +1,4 @@
-#include "io/bruker_reader.h"
+#include "io/bruker/bruker_reader.h"
 
 #include <algorithm>
 #include <array>
@@ -6,8 +6,9 @@
 #include <limits>
 #include <numbers>
 
-#include "io/bruker_layout.h"
-#include "io/bruker_pulse_program.h"
+#include "io/bruker/bruker_layout.h"
+#include "io/bruker/bruker_pulse_program.h"
+#include "io/byte_order_probe.h"
 #include "io/source_completion.h"
 
 namespace zolt {
@@ -154,10 +155,10 @@ bool applyProcessing(const BrukerLayout& layout, SpectrumSource& s,
 
 }  // namespace
 
-std::optional<BrukerRead> readBrukerLayout(const BrukerLayout& layout) {
+std::optional<DataSetRead> readBrukerLayout(const BrukerLayout& layout) {
     const int n = layout.dimensions;
     if (n < 1 || n > 3 || static_cast<int>(layout.acquisitionFiles.size()) < n) return std::nullopt;
-    BrukerRead r;
+    DataSetRead r;
     SpectrumSource& s = r.source;
     s.rawPath = layout.dataPath;
     s.fileName = fromPath(toPath(layout.dataPath).filename());
@@ -218,14 +219,12 @@ std::optional<BrukerRead> readBrukerLayout(const BrukerLayout& layout) {
     return r;
 }
 
-std::optional<BrukerRead> readBrukerFolder(const std::string& path,
-                                           const BrukerReadOptions& options) {
+std::optional<DataSetRead> readBrukerFolder(const std::string& path, const ReadOptions& options) {
     return readBrukerExperiment(path, options, "Bruker");
 }
 
-std::optional<BrukerRead> readBrukerExperiment(const std::string& path,
-                                               const BrukerReadOptions& options,
-                                               const std::string& provenance) {
+std::optional<DataSetRead> readBrukerExperiment(const std::string& path, const ReadOptions& options,
+                                                const std::string& provenance) {
     namespace fs = std::filesystem;
     std::error_code ec;
     const fs::path given = toPath(path);

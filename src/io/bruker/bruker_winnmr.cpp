@@ -1,4 +1,4 @@
-#include "io/bruker_layout.h"
+#include "io/bruker/bruker_layout.h"
 
 namespace zolt {
 
@@ -15,7 +15,7 @@ std::string existingWithExtension(const std::string& base, const std::string& ex
 
 }  // namespace
 
-std::optional<BrukerRead> readWinNmr(const std::string& path) {
+std::optional<DataSetRead> readWinNmr(const std::string& path, const ReadOptions& /*options*/) {
     const std::filesystem::path given = toPath(path);
     const std::string base = fromPath(given.parent_path() / given.stem());
     BrukerLayout layout;

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "base/paths.h"
-#include "io/bruker_parameters.h"
-#include "io/bruker_reader.h"
+#include "io/bruker/bruker_parameters.h"
+#include "io/bruker/bruker_reader.h"
 
 namespace zolt {
 
@@ -28,12 +28,11 @@ struct BrukerLayout {
 
 // Reads the parameter files of a located data set; nullopt when one is missing or an axis is
 // left without points.
-std::optional<BrukerRead> readBrukerLayout(const BrukerLayout& layout);
+std::optional<DataSetRead> readBrukerLayout(const BrukerLayout& layout);
 
 // The experiment-folder layout (acqus, fid or ser, pdata/1), recorded as `provenance`.
-std::optional<BrukerRead> readBrukerExperiment(const std::string& path,
-                                               const BrukerReadOptions& options,
-                                               const std::string& provenance);
+std::optional<DataSetRead> readBrukerExperiment(const std::string& path, const ReadOptions& options,
+                                                const std::string& provenance);
 
 // The text of a ParaVision acqp rewritten as a sorted acqus: ACQ_size becomes TD, array labels
 // lose their dimensions so the values follow the "=", the text ends at "##END".

@@ -1,4 +1,4 @@
-#include "io/bruker_parameters.h"
+#include "io/bruker/bruker_parameters.h"
 
 #include <algorithm>
 #include <array>
@@ -9,7 +9,7 @@
 #include <limits>
 
 #include "base/files.h"
-#include "io/bruker_reader.h"
+#include "io/data_set_read.h"
 
 namespace zolt {
 

@@ -1,4 +1,4 @@
-#include "io/bruker_pulse_program.h"
+#include "io/bruker/bruker_pulse_program.h"
 
 namespace zolt {
 

@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-#include "io/bruker_layout.h"
+#include "io/bruker/bruker_layout.h"
 
 namespace zolt {
 
@@ -61,8 +61,7 @@ std::string paraVisionToAcqus(std::string text) {
     return sorted;
 }
 
-std::optional<BrukerRead> readParaVision(const std::string& path,
-                                         const BrukerReadOptions& options) {
+std::optional<DataSetRead> readParaVision(const std::string& path, const ReadOptions& options) {
     namespace fs = std::filesystem;
     std::error_code ec;
     const fs::path given = toPath(path);
