@@ -3,7 +3,7 @@
 // program opens it (the spectrometer's windows on the HSQC).
 #include <benchmark/benchmark.h>
 
-#include "processing/ft_defaults.h"
+#include "processing/ft_step.h"
 #include "processing/ft_pipeline.h"
 #include "test_data.h"
 

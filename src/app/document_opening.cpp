@@ -8,7 +8,7 @@
 #include "io/format_recognition.h"
 #include "io/raw_loader.h"
 #include "io/source_completion.h"
-#include "processing/ft_defaults.h"
+#include "processing/ft_step.h"
 
 namespace zolt {
 

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "app/document_opening.h"
-#include "processing/ft_defaults.h"
+#include "processing/ft_step.h"
 #include "processing/ft_pipeline.h"
 #include "test_data.h"
 
