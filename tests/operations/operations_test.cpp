@@ -97,6 +97,14 @@ TEST_F(Operations, WeightKeepsATruncationAboveTheDialogsRangeAndTheTransformUses
     }
 }
 
+// Values no dialog would let through reach the window as they are; the workflow still ends.
+TEST_F(Operations, NonFiniteWeightsNeitherCrashNorHang) {
+    SpectrumDocument& d = open("aspirin-1h");
+    ASSERT_TRUE(run("weight(0/0, 1/0, -1/0, 1e30, -1/0, 0/0) wft() aph() poly(7, 64) abc()"));
+    EXPECT_EQ(d.source.highestTIndex, 0);
+    EXPECT_TRUE(std::isnan(findFourierTransformStep(d.processing, 1)->weights[0]));
+}
+
 // A table whose x and y do not multiply to its length becomes one row; axes without a width
 // or carrier still get a scale, those of the data set it came from are kept.
 TEST_F(Operations, PastedValuesBecomeASpectrumOnTheAxesTheyCameFrom) {
