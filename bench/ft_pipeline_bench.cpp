@@ -3,8 +3,8 @@
 // program opens it (the spectrometer's windows on the HSQC).
 #include <benchmark/benchmark.h>
 
-#include "processing/ft_defaults.h"
 #include "processing/ft_pipeline.h"
+#include "processing/ft_step.h"
 #include "test_data.h"
 
 namespace zolt {

@@ -10,7 +10,7 @@
 #include "io/data_set_opening.h"
 #include "io/data_set_walk.h"
 #include "io/raw_loader.h"
-#include "processing/ft_defaults.h"
+#include "processing/ft_step.h"
 
 namespace zolt {
 

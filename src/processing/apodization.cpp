@@ -1,7 +1,6 @@
 #include "processing/apodization.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <new>
 #include <numbers>
@@ -87,11 +86,6 @@ void multiplyTruncation(float* w, size_t n, double t, double sw) {
     }
 }
 
-float clampOr(float v, float lo, float hi, float neutral) {
-    if (std::isnan(v)) return neutral;
-    return std::clamp(v, lo, hi);
-}
-
 }  // namespace
 
 float weightingSpectralWidth(float widthPpm, float carrierMhz) {
@@ -154,25 +148,6 @@ bool applyWeighting(const FourierTransformStep& step, const WeightingInput& in, 
             for (size_t k = 0; k < in.n; ++k) y[k] *= w[k];
     }
     return true;
-}
-
-uint32_t roundFtSize(uint64_t size, uint32_t maxSize) {
-    const uint64_t top =
-        std::clamp<uint64_t>(std::bit_floor(uint64_t{maxSize}), kMinFtSize, kMaxFtSize);
-    if (size <= kMinFtSize) return kMinFtSize;
-    if (size >= top) return static_cast<uint32_t>(top);
-    return static_cast<uint32_t>(std::bit_ceil(size));
-}
-
-void clampFourierTransformStep(FourierTransformStep& step) {
-    auto& p = step.weights;
-    for (int i : {kWeightExponential, kWeightGaussian, kWeightSineBell, kWeightSquaredSine})
-        p[i] = clampOr(p[i], -kWeightShiftLimit, kWeightShiftLimit, 0.0f);
-    p[kWeightTruncation] = clampOr(p[kWeightTruncation], kTruncationMin, kTruncationMax, 100.0f);
-    p[kWeightFirstPoint] = clampOr(p[kWeightFirstPoint], 0.0f, kFirstPointMax, 1.0f);
-    if (step.maxIstIterations != 0)
-        step.maxIstIterations = std::clamp<int16_t>(step.maxIstIterations, 1, kMaxIstIterations);
-    step.ftSize = roundFtSize(step.ftSize);
 }
 
 }  // namespace zolt

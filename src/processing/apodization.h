@@ -35,20 +35,4 @@ bool imaginaryNegated(const FourierTransformStep& step, bool conjugateState);
 bool applyWeighting(const FourierTransformStep& step, const WeightingInput& in, float* re,
                     float* im, size_t rows, size_t stride);
 
-// Limits of the Fourier-transform dialog and of the script commands.
-inline constexpr float kWeightShiftLimit = 150.0f;  // exponential, gaussian, sine shifts
-inline constexpr float kTruncationMin = 1.0f, kTruncationMax = 250.0f;
-inline constexpr float kFirstPointMax = 3.0f;
-inline constexpr int16_t kMaxIstIterations = 2000;
-inline constexpr uint32_t kMinFtSize = 32;
-inline constexpr uint32_t kMaxFtSize = 1u << 20;
-
-// One of the sixteen sizes 32 x 2^i: a size that is not a power of two goes up to the next
-// one, then the result is clamped to 32 ... maxSize (itself one of the sixteen).
-uint32_t roundFtSize(uint64_t size, uint32_t maxSize = kMaxFtSize);
-
-// Brings every field of the step into the dialog's ranges (out of range -> nearest limit,
-// NaN -> the neutral value); IST iterations 0 stay 0 (no reconstruction).
-void clampFourierTransformStep(FourierTransformStep& step);
-
 }  // namespace zolt

@@ -4,6 +4,7 @@
 #include <numbers>
 
 #include "processing/apodization.h"
+#include "processing/ft_step.h"
 
 namespace zolt {
 
@@ -138,21 +139,6 @@ std::optional<FourierTransformStep> defaultFourierTransformStep(const SpectrumSo
         applyVendorProcessing(step, *vendor, static_cast<double>(complexPoints),
                               weightingSpectralWidth(axis.spectralWidth, axis.carrier));
     return step;
-}
-
-FourierTransformStep* findFourierTransformStep(ProcessingRecord& record, int fIndex) {
-    for (auto& s : record.steps)
-        if (s.dimension == fIndex && s.kind() == StepKind::FourierTransform)
-            return &std::get<FourierTransformStep>(s.data);
-    return nullptr;
-}
-
-void addDefaultFourierTransformSteps(SpectrumDocument& doc) {
-    for (int f = doc.source.highestTIndex; f >= 1; --f) {
-        if (findFourierTransformStep(doc.processing, f)) continue;
-        if (auto step = defaultFourierTransformStep(doc.source, f, &doc.vendorProcessing[f]))
-            doc.processing.steps.push_back(ProcessingStep{static_cast<uint8_t>(f), *step});
-    }
 }
 
 }  // namespace zolt

@@ -1,5 +1,5 @@
-// The Fourier-transform steps a newly read document starts with, from the FT-preferences
-// bytes its reader set (Bruker AQ_mod / FnMODE, Varian codes).
+// The Fourier-transform step an axis starts with, from the FT-preferences bytes its reader set
+// (Bruker AQ_mod / FnMODE, Varian codes); processing/ft_step creates steps from it.
 #pragma once
 
 #include <optional>
@@ -38,12 +38,5 @@ inline constexpr uint8_t kVarianCoefficients = 0x22;  // f1coef tables 1-4
 // Nothing for an axis that is absent or a pseudo-dimension.
 std::optional<FourierTransformStep> defaultFourierTransformStep(
     const SpectrumSource& source, int fIndex, const VendorProcessing* vendor = nullptr);
-
-// Appends the default step of every time-domain axis that has no Fourier-transform step yet,
-// from the document's vendor processing where the reader found one.
-void addDefaultFourierTransformSteps(SpectrumDocument& doc);
-
-// The Fourier-transform step of fIndex in the record, or null.
-FourierTransformStep* findFourierTransformStep(ProcessingRecord& record, int fIndex);
 
 }  // namespace zolt

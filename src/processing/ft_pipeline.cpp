@@ -13,7 +13,7 @@
 #include "processing/apodization.h"
 #include "processing/dimension_rotation.h"
 #include "processing/fft.h"
-#include "processing/ft_defaults.h"
+#include "processing/ft_step.h"
 #include "processing/kernels.h"
 #include "processing/linear_prediction.h"
 #include "processing/phase.h"
@@ -215,7 +215,9 @@ void togglePolarDocument(SpectrumMatrix& m) {
                     (m.state & matrix_state::kMagnitude) != 0);
 }
 
-// Steps 20-21: magnitude, or the stored phase with the filter delay's first order.
+// Steps 20-21: magnitude, or the stored phase with the filter delay's first order. The fresh
+// spectrum carries no phase yet, so the stored phase is applied as a change from zero by the
+// phase-change rule; the record then keeps the stored values (phase 0 wrapped).
 void finishPhase(SpectrumDocument& doc, const FourierTransformStep& step, int d, size_t F) {
     if (F == 0) return;
     SpectrumMatrix& m = doc.matrix;
@@ -224,14 +226,14 @@ void finishPhase(SpectrumDocument& doc, const FourierTransformStep& step, int d,
         return;
     }
     DimensionRecord& axis = m.dims[d];
-    double p1 = axis.phase1 + 2.0 * std::numbers::pi * axis.timeShift;
-    double p0 = axis.phase0 = wrapPhase(axis.phase0);
-    const bool hasIm = !m.im.empty() && !m.realOnly();
-    if (!hasIm || F < 2 || doc.source.highestTIndex >= d) return;
-    if (std::fabs(p0) < 1e-6 && std::fabs(p1) < 1e-6) return;
-    if (m.state & matrix_state::kMagnitude) togglePolarDocument(m);
-    if (m.state & matrix_state::kComplexConjugate) p0 = -p0, p1 = -p1;
-    applyPhase(m, d, p0, p1);
+    const float phase0 = wrapPhase(axis.phase0), phase1 = axis.phase1;
+    axis.phase0 = phase0;
+    if (F < 2) return;
+    const double delay = phase1 + 2.0 * std::numbers::pi * axis.timeShift;
+    axis.phase0 = axis.phase1 = 0.0f;
+    changePhase(m, doc.source.highestTIndex, d, phase0, delay);
+    axis.phase0 = phase0;
+    axis.phase1 = phase1;
 }
 
 size_t effectiveFtSize(uint32_t size) {

@@ -3,15 +3,13 @@
 #include <cctype>
 #include <cmath>
 
+#include "operations/document_operations.h"
 #include "scripting/commands.h"
 #include "scripting/script_args.h"
 
 namespace zolt {
 
 namespace {
-
-// Largest FID setfid and resize build, in complex points.
-constexpr double kMaxFidPoints = double(1u << 20);
 
 // A number selects the f-index; "y..." or "z..." the document's y or z index; anything
 // else its x index. Always 1 ... 3.
@@ -44,22 +42,18 @@ bool stringField(lua_State* L, int table, const char* key, std::string& value) {
 }
 
 // The keys of getf that describe an axis, without its size.
-void readAxisFields(lua_State* L, int table, DimensionRecord& r) {
+AxisChanges axisChanges(lua_State* L, int table) {
+    AxisChanges changes;
     double v = 0;
     std::string atom;
-    if (stringField(L, table, "atom", atom)) setAtom(r, atom.c_str());
-    if (numberField(L, table, "mass", v)) r.isotope = static_cast<uint8_t>(clampNumber(v, 0, 255));
-    if (numberField(L, table, "start", v)) r.lowestPpm = static_cast<float>(v);
-    if (numberField(L, table, "width", v)) r.spectralWidth = static_cast<float>(v);
-    if (numberField(L, table, "MHz", v)) r.carrier = static_cast<float>(v);
-    if (numberField(L, table, "zero", v)) r.timeShift = static_cast<float>(v);
-}
-
-// Cuts or zero-pads the single row of a 1-D matrix.
-void resizeRow(SpectrumMatrix& m, int fIndex, uint32_t points) {
-    m.re.resize(points, 0.0f);
-    if (!m.im.empty() || !m.realOnly()) m.im.resize(points, 0.0f);
-    m.dims[fIndex].points = points;
+    if (stringField(L, table, "atom", atom)) changes.atom = atom;
+    if (numberField(L, table, "mass", v))
+        changes.mass = static_cast<uint8_t>(clampNumber(v, 0, 255));
+    if (numberField(L, table, "start", v)) changes.lowestPpm = static_cast<float>(v);
+    if (numberField(L, table, "width", v)) changes.spectralWidth = static_cast<float>(v);
+    if (numberField(L, table, "MHz", v)) changes.carrier = static_cast<float>(v);
+    if (numberField(L, table, "zero", v)) changes.timeShift = static_cast<float>(v);
+    return changes;
 }
 
 int getf(lua_State* L) {
@@ -99,16 +93,14 @@ int pathtofile(lua_State* L) {
 int resize(lua_State* L) {
     luaL_checktype(L, 1, LUA_TTABLE);
     double size = 0;
-    const bool hasSize = numberField(L, 1, "size", size);
-    size = std::trunc(clampNumber(size, 1, kMaxFidPoints));
+    std::optional<uint32_t> points;
+    if (numberField(L, 1, "size", size))
+        points = static_cast<uint32_t>(std::trunc(clampNumber(size, 1, kMaxFidPoints)));
     for (SpectrumDocument* d : targets(L)) {
         lua_getfield(L, 1, "dim");
         const int f = chosenDimension(L, lua_gettop(L), *d);
         lua_pop(L, 1);
-        readAxisFields(L, 1, d->matrix.dims[f]);
-        if (hasSize && countDimensions(d->source) <= 1 && f == d->matrix.xIndex)
-            resizeRow(d->matrix, f, static_cast<uint32_t>(size));
-        host(L).context().redraw(*d);
+        finish(L, *d, changeAxis(*d, f, axisChanges(L, 1), points));
     }
     return 0;
 }
@@ -116,12 +108,7 @@ int resize(lua_State* L) {
 int rkpp(lua_State* L) {
     SpectrumDocument* d = firstTarget(L);
     if (!d) return 0;
-    if (!lua_isnoneornil(L, 1)) {
-        if (lua_toboolean(L, 1))
-            d->source.flags |= source_flags::kRanceKay;
-        else
-            d->source.flags &= ~source_flags::kRanceKay;
-    }
+    if (!lua_isnoneornil(L, 1)) setRanceKay(*d, lua_toboolean(L, 1));
     lua_pushboolean(L, (d->source.flags & source_flags::kRanceKay) != 0);
     return 1;
 }
@@ -132,29 +119,10 @@ int setfid(lua_State* L) {
     double size = 1024;
     numberField(L, 1, "size", size);
     const auto points = static_cast<uint32_t>(std::trunc(clampNumber(size, 1, kMaxFidPoints)));
+    const AxisChanges changes = axisChanges(L, 1);
     SpectrumDocument* d = host(L).context().newDocument();
     if (!d) return 0;
-    DimensionRecord r;
-    r.points = points;
-    r.spectralWidth = 10.0f;
-    r.carrier = 400.0f;
-    r.isotope = 1;
-    setAtom(r, "H");
-    readAxisFields(L, 1, r);
-    d->source.numberType = NumberType::InMemory;
-    d->source.dims[0].points = 1;
-    d->source.dims[1] = r;
-    d->source.xIndex = 1;
-    d->source.highestTIndex = 1;
-    d->source.phaseable[1] = 1;
-    d->matrix = SpectrumMatrix{};
-    d->matrix.dims = d->source.dims;
-    d->matrix.phaseable = d->source.phaseable;
-    d->matrix.xIndex = 1;
-    d->matrix.dimensions = 1;
-    d->matrix.contiguous = 1;
-    d->matrix.re.assign(points, 0.0f);
-    d->matrix.im.assign(points, 0.0f);
+    makeEmptyFid(*d, points, changes);
     host(L).rebuildTargets();
     return 0;
 }
@@ -173,7 +141,7 @@ int title(lua_State* L) {
     SpectrumDocument* d = firstTarget(L);
     if (!lua_isnone(L, 1)) {
         const char* text = luaL_checkstring(L, 1);
-        if (d) d->metadata.title = text;
+        if (d) setTitle(*d, text);
         return 0;
     }
     if (!d) return 0;
@@ -183,8 +151,8 @@ int title(lua_State* L) {
 
 int todo(lua_State* L) {
     if (!lua_isnone(L, 1)) {
-        const auto n = static_cast<int8_t>(std::round(clampNumber(luaL_checknumber(L, 1), 0, 3)));
-        for (SpectrumDocument* d : targets(L)) d->source.highestTIndex = n;
+        const int n = static_cast<int>(std::round(clampNumber(luaL_checknumber(L, 1), 0, 3)));
+        for (SpectrumDocument* d : targets(L)) setTimeDomainDimensions(*d, n);
     }
     SpectrumDocument* d = firstTarget(L);
     if (!d) return 0;

@@ -2,8 +2,6 @@
 
 #include <cmath>
 
-#include "processing/ft_defaults.h"
-
 namespace zolt {
 
 double clampNumber(double x, double lo, double hi) {
@@ -16,13 +14,10 @@ long long optClampedInteger(lua_State* L, int i, double def, long long lo, long 
     return static_cast<long long>(clampNumber(x, double(lo), double(hi)));
 }
 
-FourierTransformStep& fourierTransformStep(SpectrumDocument& d, int fIndex) {
-    if (auto* ft = findFourierTransformStep(d.processing, fIndex)) return *ft;
-    ProcessingStep step;
-    step.dimension = static_cast<uint8_t>(fIndex);
-    step.data = defaultFourierTransformStep(d.source, fIndex).value_or(FourierTransformStep{});
-    d.processing.steps.push_back(step);
-    return std::get<FourierTransformStep>(d.processing.steps.back().data);
+void finish(lua_State* L, SpectrumDocument& d, const OperationResult& result) {
+    ScriptContext& context = host(L).context();
+    if (result.message) context.message(result.message->caption, result.message->text);
+    if (result.applied) context.redraw(d);
 }
 
 }  // namespace zolt

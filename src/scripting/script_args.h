@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "model/spectrum_document.h"
+#include "operations/operation_result.h"
 #include "scripting/script_host.h"
 
 namespace zolt {
@@ -35,12 +36,7 @@ inline void setNumberField(lua_State* L, const char* key, double value) {
     lua_setfield(L, -2, key);
 }
 
-// Still has dimensions in the time domain.
-inline bool inTimeDomain(const SpectrumDocument& d) {
-    return d.source.highestTIndex > 0;
-}
-
-// The FT step of a dimension: the document's FT preferences for it, created when missing.
-FourierTransformStep& fourierTransformStep(SpectrumDocument& d, int fIndex);
+// Shows the operation's message, then redraws the document when it changed.
+void finish(lua_State* L, SpectrumDocument& d, const OperationResult& result);
 
 }  // namespace zolt

@@ -9,7 +9,7 @@
 #include "app/document_opening.h"
 #include "app/headless_platform.h"
 #include "app/recording_platform.h"
-#include "processing/ft_defaults.h"
+#include "processing/ft_step.h"
 #include "test_data.h"
 
 namespace zolt {

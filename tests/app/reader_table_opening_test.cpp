@@ -13,7 +13,7 @@
 #include "base/paths.h"
 #include "io/data_set_walk.h"
 #include "io/reader_table.h"
-#include "processing/ft_defaults.h"
+#include "processing/ft_step.h"
 #include "test_data.h"
 
 namespace zolt {

@@ -146,36 +146,5 @@ TEST(Apodization, RefusedWindowLeavesTheRowsUntouched) {
     EXPECT_EQ(im, (std::vector<float>{5, 6, 7, 8}));
 }
 
-TEST(Apodization, FtSizesRoundUpToThePowersOfTwoOffered) {
-    EXPECT_EQ(roundFtSize(1000), 1024u);
-    EXPECT_EQ(roundFtSize(1024), 1024u);
-    EXPECT_EQ(roundFtSize(1025), 2048u);
-    EXPECT_EQ(roundFtSize(0), 32u);
-    EXPECT_EQ(roundFtSize(10'000'000), 1u << 20);
-    EXPECT_EQ(roundFtSize(10'000'000, 524288), 524288u);  // the fill command's ceiling
-    EXPECT_EQ(roundFtSize(uint64_t{1} << 40), 1u << 20);
-}
-
-TEST(Apodization, DialogClampsBringEveryFieldIntoRange) {
-    FourierTransformStep s;
-    s.weights = {200.0f, -151.0f, 149.0f, std::nanf(""), 0.0f, 4.0f};
-    s.maxIstIterations = 5000;
-    s.ftSize = 3000;
-    clampFourierTransformStep(s);
-    EXPECT_EQ(s.weights, (std::array<float, 6>{150.0f, -150.0f, 149.0f, 0.0f, 1.0f, 3.0f}));
-    EXPECT_EQ(s.maxIstIterations, 2000);
-    EXPECT_EQ(s.ftSize, 4096u);
-    s.weights[kWeightTruncation] = 300.0f;
-    s.weights[kWeightFirstPoint] = -1.0f;
-    s.maxIstIterations = 0;
-    clampFourierTransformStep(s);
-    EXPECT_EQ(s.weights[kWeightTruncation], 250.0f);
-    EXPECT_EQ(s.weights[kWeightFirstPoint], 0.0f);
-    EXPECT_EQ(s.maxIstIterations, 0);  // no reconstruction stays off
-    s.maxIstIterations = -4;
-    clampFourierTransformStep(s);
-    EXPECT_EQ(s.maxIstIterations, 1);
-}
-
 }  // namespace
 }  // namespace zolt

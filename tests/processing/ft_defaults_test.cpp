@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "processing/ft_step.h"
 #include "test_data.h"
 
 namespace zolt {

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "processing/ft_defaults.h"
+#include "processing/ft_step.h"
 #include "processing/linear_prediction.h"
 #include "test_data.h"
 

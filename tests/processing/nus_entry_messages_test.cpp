@@ -7,8 +7,8 @@
 #include <string>
 
 #include "app/document_opening.h"
-#include "processing/ft_defaults.h"
 #include "processing/ft_pipeline.h"
+#include "processing/ft_step.h"
 #include "test_data.h"
 
 namespace zolt {

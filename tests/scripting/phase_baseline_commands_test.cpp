@@ -7,7 +7,7 @@
 #include "app/application.h"
 #include "app/recording_platform.h"
 #include "processing/baseline.h"
-#include "processing/ft_defaults.h"
+#include "processing/ft_step.h"
 #include "processing/phase.h"
 #include "test_data.h"
 

@@ -8,7 +8,7 @@
 
 #include "app/application.h"
 #include "app/recording_platform.h"
-#include "processing/ft_defaults.h"
+#include "processing/ft_step.h"
 #include "test_data.h"
 
 namespace zolt {
@@ -93,11 +93,12 @@ TEST_F(ScriptHostTest, OptionCommandsSetTheNextTransformStep) {
     EXPECT_FLOAT_EQ(s.weights[kWeightGaussian], 0.0f);
     EXPECT_FLOAT_EQ(s.weights[kWeightSineBell], 90.0f);
     EXPECT_EQ(s.shuffling, Shuffling::EchoAntiEcho);
+    // Taken as given: the ranges are the dialog's, not the command's.
     ASSERT_TRUE(run("weight(500, nil, -1e9, nil, 1000, 9)"));
-    EXPECT_FLOAT_EQ(step(d, 1).weights[kWeightExponential], 150.0f);
-    EXPECT_FLOAT_EQ(step(d, 1).weights[kWeightSineBell], -150.0f);
-    EXPECT_FLOAT_EQ(step(d, 1).weights[kWeightTruncation], 250.0f);
-    EXPECT_FLOAT_EQ(step(d, 1).weights[kWeightFirstPoint], 3.0f);
+    EXPECT_FLOAT_EQ(step(d, 1).weights[kWeightExponential], 500.0f);
+    EXPECT_FLOAT_EQ(step(d, 1).weights[kWeightSineBell], -1e9f);
+    EXPECT_FLOAT_EQ(step(d, 1).weights[kWeightTruncation], 1000.0f);
+    EXPECT_FLOAT_EQ(step(d, 1).weights[kWeightFirstPoint], 9.0f);
     ASSERT_TRUE(run("weight() shuffle(-1)"));
     EXPECT_EQ(step(d, 1).flags & ft_flags::kAnyWeighting, 0);
     EXPECT_EQ(step(d, 1).shuffling, Shuffling::None);
