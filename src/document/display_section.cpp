@@ -1,4 +1,4 @@
-// How the document was shown: its window and its display axes.
+// How the document was shown: its window, its display axes and its pages.
 #include "document/display_section.h"
 
 #include <array>
@@ -70,6 +70,10 @@ plist::Value* xyzIndexToTree(const SpectrumSource& source) {
     Value* xyz = plist::createArray();
     for (int8_t i : {source.xIndex, source.yIndex, source.zIndex}) plist::appendInteger(xyz, i);
     return xyz;
+}
+
+plist::Value* pagesToTree() {
+    return plist::createArray();
 }
 
 }  // namespace zolt

@@ -1,5 +1,5 @@
-// The display part of a document file: "window state" (with the sample metadata) and
-// "xyz index".
+// The display part of a document file: "window state" (with the sample metadata), "xyz index"
+// and "pages".
 #pragma once
 
 #include "io/plist.h"
@@ -13,5 +13,8 @@ void windowStateFromTree(const plist::Value* windowState, SpectrumDocument& doc)
 
 // The f-indices shown horizontally, vertically and as the third axis.
 plist::Value* xyzIndexToTree(const SpectrumSource& source);
+
+// One dictionary per page after the first; a document has only its first page so far.
+plist::Value* pagesToTree();
 
 }  // namespace zolt

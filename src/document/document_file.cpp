@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "base/files.h"
+#include "document/analysis_section.h"
 #include "document/display_section.h"
 #include "document/processing_section.h"
 #include "document/source_section.h"
@@ -42,7 +43,10 @@ plist::Value* buildDocumentTree(const SpectrumDocument& doc) {
     const bool hasMatrix = !doc.matrix.re.empty();
     plist::addToDictionary(root, "spectroscopy",
                            sourceToTree(doc.source, hasMatrix ? &doc.matrix : nullptr));
+    plist::addToDictionary(root, "pages", pagesToTree());
     plist::addToDictionary(root, "processing parameters", processingToTree(doc.processing));
+    plist::addToDictionary(root, "multiplets", multipletsToTree());
+    plist::addToDictionary(root, "peaks", peaksToTree());
     plist::addToDictionary(root, "xyz index", xyzIndexToTree(doc.source));
     if (doc.processing.doneMask)
         plist::addToDictionary(root, "performed processing", performedProcessingToTree(doc));

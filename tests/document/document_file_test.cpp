@@ -71,6 +71,11 @@ TEST_F(DocumentFile, TreeHoldsTheSourceWithItsFixedKeys) {
     EXPECT_NE(text.find("<key>performed processing</key>"), std::string::npos);
     // A raw FID: every dimension is still in the time domain, no phaseable list.
     EXPECT_EQ(text.find("<key>phaseable dimensions</key>"), std::string::npos);
+    // The analysis lists and the further pages are there even while they are empty.
+    for (const char* key : {"peaks", "multiplets", "pages"})
+        EXPECT_NE(text.find(std::string("<key>") + key + "</key>\n\t<array>\n\t</array>\n"),
+                  std::string::npos)
+            << key;
 }
 
 TEST_F(DocumentFile, SourceSurvivesTheRoundTrip) {
