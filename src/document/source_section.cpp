@@ -111,6 +111,7 @@ plist::Value* sourceToTree(const SpectrumSource& s, const SpectrumMatrix* matrix
             if (s.blockSize & o.bit) plist::setBoolean(d, o.key, true);
     }
     plist::setInteger(d, "block size", static_cast<int32_t>(s.blockSize));
+    // 0 (square tiles, or no tiles at all) is what a reader of the file assumes without it.
     if (s.subMatrixHeight) plist::setInteger(d, kSubMatrixHeight, s.subMatrixHeight);
     plist::setInteger(d, "header size", static_cast<int32_t>(s.headerSize));
     plist::setInteger(d, "block header", static_cast<int32_t>(s.blockHeader));
@@ -151,7 +152,7 @@ std::optional<SpectrumSource> sourceFromTree(const Value* d) {
             if (plist::lookUp(d, o.key)) s.blockSize |= o.bit;
     }
     const int64_t height = integerOr(d, kSubMatrixHeight, 0);
-    s.subMatrixHeight = height >= 1 && height <= 255 ? static_cast<uint8_t>(height) : 1;
+    if (height >= 1 && height <= 255) s.subMatrixHeight = static_cast<uint8_t>(height);
     s.headerSize = sizeOr(d, "header size", 0);
     s.blockHeader = sizeOr(d, "block header", 0);
     for (auto& dim : s.dims) dim.points = 1;
