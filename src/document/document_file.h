@@ -3,7 +3,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "base/message.h"
@@ -20,7 +19,7 @@ inline constexpr const char* kNewerVersionText =
 inline constexpr const char* kSystemErrorCaption = "There was a System Error";
 inline constexpr const char* kSystemErrorText = "Failed to Create the File";
 
-// The root dictionary of a document.
+// The root dictionary of a document; each section file adds its own keys.
 plist::Value* buildDocumentTree(const SpectrumDocument& doc);
 
 // The document file of a spectrum: beside its raw data, the raw file name with ".zolt".
@@ -43,9 +42,5 @@ struct DocumentRead {
 // Parses a document file and rebuilds its source (locating moved raw data), metadata and
 // processing record. The caller reads the data and replays the processing.
 DocumentRead readDocumentFile(const std::string& path);
-
-// The source from a "spectroscopy" dictionary; the raw file is not located here.
-std::optional<SpectrumSource> sourceFromTree(const plist::Value* spectroscopy);
-plist::Value* sourceToTree(const SpectrumSource& source, const SpectrumMatrix* matrix);
 
 }  // namespace zolt

@@ -78,7 +78,6 @@ bool exportPackage(const SpectrumDocument& doc, const std::string& folder) {
     if (m.im.empty()) s.flags |= source_flags::kRealOnly;
     if (m.state & matrix_state::kMagnitude) s.flags |= source_flags::kMagnitude;
     s.blockSize = kDefaultBlockSize;
-    s.subMatrixHeight = 0;
     s.dims = m.dims;
     s.dims[0] = {};
     s.dims[0].points = 1;

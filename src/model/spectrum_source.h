@@ -63,7 +63,8 @@ struct SpectrumSource {
     NumberType numberType = NumberType::Long;
     int8_t highestTIndex = 0;
     int8_t xIndex = 0, yIndex = 0, zIndex = 0;
-    uint8_t subMatrixHeight = 1;  // rows per tile of a block-matrix file
+    // Rows per tile of a block-matrix file (1 to 255); 0 for square tiles or no tiles.
+    uint8_t subMatrixHeight = 0;
     uint32_t flags = 0;
     uint32_t headerSize = 0;   // bytes skipped at the start of the file
     uint32_t blockHeader = 0;  // bytes skipped before each block

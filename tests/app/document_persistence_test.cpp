@@ -112,6 +112,34 @@ TEST_F(DocumentPersistence, TransformedHsqcReopensTheSame) {
     expectSameMatrix(before, app.frontDocument()->matrix, 1e-5);
 }
 
+TEST_F(DocumentPersistence, SquareTiledProcessedSpectrumReopensPointForPoint) {
+    // The spectrometer's 2rr of cosy-nus is stored in square tiles (XDIM 128 along both
+    // axes); a saved document that forgot so would bring the rows back scrambled.
+    const std::string dir = copyOf("cosy-nus");
+    Preferences prefs;
+    prefs.flags |= pref_flags::kReadProcessedData;
+    SpectrumMatrix before;
+    std::string saved;
+    {
+        Application app(platform, prefs);
+        ASSERT_EQ(app.open(dir), 1);
+        SpectrumDocument& doc = *app.frontDocument();
+        ASSERT_TRUE(doc.source.flags & source_flags::kBlockMatrix);
+        ASSERT_EQ(fs::path(doc.source.rawPath).filename(), "2rr");
+        before = doc.matrix;
+        ASSERT_TRUE(app.save(doc));
+        saved = doc.documentPath;
+    }
+    EXPECT_EQ(testdata::readFile(saved).find("height of each sub-matrix"), std::string::npos);
+    Application app(platform, prefs);
+    ASSERT_EQ(app.open(fs::path(saved).replace_extension().string()), 1);
+    const SpectrumDocument& reopened = *app.frontDocument();
+    EXPECT_EQ(reopened.documentPath, saved);
+    EXPECT_EQ(reopened.source.subMatrixHeight, 0);
+    expectSameMatrix(before, reopened.matrix, 0.0);
+    EXPECT_TRUE(platform.boxes.empty());
+}
+
 TEST_F(DocumentPersistence, ShowPlanKeepsTheRawDataAndThePlan) {
     const std::string dir = copyOf("aspirin-1h");
     uint32_t ftSize = 0;

@@ -6,6 +6,8 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <utility>
+#include <vector>
 
 #include "test_data.h"
 
@@ -71,6 +73,13 @@ TEST_F(DocumentFile, TreeHoldsTheSourceWithItsFixedKeys) {
     EXPECT_NE(text.find("<key>performed processing</key>"), std::string::npos);
     // A raw FID: every dimension is still in the time domain, no phaseable list.
     EXPECT_EQ(text.find("<key>phaseable dimensions</key>"), std::string::npos);
+    // Untiled data: no sub-matrix height.
+    EXPECT_EQ(text.find("<key>height of each sub-matrix</key>"), std::string::npos);
+    // The analysis lists and the further pages are there even while they are empty.
+    for (const char* key : {"peaks", "multiplets", "pages"})
+        EXPECT_NE(text.find(std::string("<key>") + key + "</key>\n\t<array>\n\t</array>\n"),
+                  std::string::npos)
+            << key;
 }
 
 TEST_F(DocumentFile, SourceSurvivesTheRoundTrip) {
@@ -89,6 +98,40 @@ TEST_F(DocumentFile, SourceSurvivesTheRoundTrip) {
     // Everything else written comes back as it was: the same document writes the same tree.
     plist::Ref before(buildDocumentTree(doc)), after(buildDocumentTree(*read.document));
     EXPECT_EQ(plist::write(after.get()), plist::write(before.get()));
+}
+
+TEST_F(DocumentFile, SubMatrixHeightIsWrittenWhenSetAndReadOnlyFromOneTo255) {
+    SpectrumDocument doc = sampleDocument(dir_);
+    doc.source.flags |= source_flags::kBlockMatrix;
+    const std::string path = dir_ + "/ser.zolt";
+    const std::string key = "<key>height of each sub-matrix</key>";
+    const auto heightAfterSaving = [&](uint8_t height) {
+        doc.source.subMatrixHeight = height;
+        EXPECT_TRUE(saveDocument(doc, path, false).ok);
+        return testdata::readFile(path);
+    };
+    const auto heightRead = [&](const std::string& text) {
+        std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
+        DocumentRead r = readDocumentFile(path);
+        EXPECT_TRUE(r.document);
+        return r.document ? int{r.document->source.subMatrixHeight} : -1;
+    };
+    // Square tiles (0) are the default of a reader of the file: no key, and 0 again.
+    const std::string square = heightAfterSaving(0);
+    EXPECT_EQ(square.find(key), std::string::npos);
+    EXPECT_EQ(heightRead(square), 0);
+    const std::string sixteen = heightAfterSaving(16);
+    const std::string line = key + "\n\t\t<integer>16</integer>\n";
+    ASSERT_NE(sixteen.find(line), std::string::npos);
+    EXPECT_EQ(heightRead(sixteen), 16);
+    // Values outside 1 ... 255 are not a height.
+    for (const auto& [saved, expected] : std::vector<std::pair<std::string, int>>{
+             {"1", 1}, {"255", 255}, {"0", 0}, {"256", 0}, {"-1", 0}, {"65537", 0}}) {
+        std::string text = sixteen;
+        text.replace(text.find(line), line.size(),
+                     key + "\n\t\t<integer>" + saved + "</integer>\n");
+        EXPECT_EQ(heightRead(text), expected) << saved;
+    }
 }
 
 TEST_F(DocumentFile, NewerReadVersionIsRefused) {

@@ -90,6 +90,33 @@ TEST(PlistWriter, DataIsBase64InLinesOfSixty) {
     EXPECT_EQ(back->text, bytes);
 }
 
+TEST(PlistSetters, FillNestedContainersInPlaceAndKeepDuplicates) {
+    Ref d(createDictionary());
+    setInteger(d.get(), "n", -7);
+    Value* phases = setArray(d.get(), "phase correction");
+    appendReal(phases, 0.5);
+    appendInteger(phases, 3);
+    setBoolean(setDictionary(d.get(), "inner"), "interleaved", false);
+    setString(d.get(), "n", "second");
+    setReal(d.get(), "width", 2.0);
+    EXPECT_EQ(write(d.get()), std::string(kHeader) +
+                                  "<dict>\n"
+                                  "\t<key>inner</key>\n\t<dict>\n"
+                                  "\t\t<key>interleaved</key>\n\t\t<false/>\n\t</dict>\n"
+                                  "\t<key>n</key>\n\t<integer>-7</integer>\n"
+                                  "\t<key>n</key>\n\t<string>second</string>\n"
+                                  "\t<key>phase correction</key>\n\t<array>\n"
+                                  "\t\t<real>0.5</real>\n\t\t<integer>3</integer>\n\t</array>\n"
+                                  "\t<key>width</key>\n\t<real>2</real>\n"
+                                  "</dict>\n</plist>\n");
+    EXPECT_EQ(integerOf(lookUp(d.get(), "n")), -7);
+    // Without a container nothing is made, nothing leaks and nothing crashes.
+    EXPECT_EQ(setArray(nullptr, "a"), nullptr);
+    EXPECT_EQ(setDictionary(nullptr, "d"), nullptr);
+    setInteger(nullptr, "n", 1);
+    appendReal(nullptr, 1.0);
+}
+
 TEST(PlistRoundTrip, EveryKindReadsBackEqual) {
     Ref d(createDictionary());
     addToDictionary(d.get(), "string", createStringFromWide(u"\u00b9H \u03b4 \u2013 ppm"));

@@ -1,6 +1,6 @@
 // Saving processing steps to property-list dictionaries and loading them back. Loading is
 // not a plain inverse: a few rules below keep the behaviour documents have always had.
-#include "processing/processing_record.h"
+#include "document/processing_steps.h"
 
 #include <algorithm>
 #include <array>
@@ -83,20 +83,9 @@ constexpr const char* kDiffusion = "diffusion coeff.";
 constexpr const char* kMask = "mask";
 constexpr const char* kOverPercent = "over %";
 
-void put(Value* d, const char* key, Value* v) {
-    plist::addToDictionary(d, key, v);
-}
-void putInt(Value* d, const char* key, int32_t i) {
-    put(d, key, plist::createInteger(i));
-}
-void putReal(Value* d, const char* key, double r) {
-    put(d, key, plist::createReal(r));
-}
-
-Value* realArray(const std::vector<float>& values) {
-    Value* a = plist::createArray();
-    for (float v : values) plist::appendToArray(a, plist::createReal(v));
-    return a;
+void setReals(Value* d, const char* key, const std::vector<float>& values) {
+    Value* a = plist::setArray(d, key);
+    for (float v : values) plist::appendReal(a, v);
 }
 
 // Optional keys leave the field as it was when absent or of another kind.
@@ -118,16 +107,16 @@ std::vector<float> getReals(const Value* d, const char* key) {
 }
 
 void saveFourier(Value* d, const FourierTransformStep& s) {
-    putInt(d, kFtSize, static_cast<int32_t>(s.ftSize));
+    plist::setInteger(d, kFtSize, static_cast<int32_t>(s.ftSize));
     if (s.shuffling != Shuffling::None)
-        put(d, kShuffling,
-            plist::createString(s.shuffling == Shuffling::PhaseSensitive ? kPhaseSensitive
-                                                                         : kEchoAntiEcho));
-    if (s.maxIstIterations != 0) putInt(d, kIstIterations, s.maxIstIterations);
-    for (const FlagKey& f : kFlagKeys) put(d, f.key, plist::createBoolean(s.flags & f.bit));
+        plist::setString(
+            d, kShuffling,
+            s.shuffling == Shuffling::PhaseSensitive ? kPhaseSensitive : kEchoAntiEcho);
+    if (s.maxIstIterations != 0) plist::setInteger(d, kIstIterations, s.maxIstIterations);
+    for (const FlagKey& f : kFlagKeys) plist::setBoolean(d, f.key, s.flags & f.bit);
     for (size_t i = 0; i < kWeightKeys.size(); ++i)
-        if (s.flags & kWeightBits[i]) putReal(d, kWeightKeys[i], s.weights[i]);
-    if (s.deleteFirst != 0) putInt(d, kDeleteFirst, s.deleteFirst);
+        if (s.flags & kWeightBits[i]) plist::setReal(d, kWeightKeys[i], s.weights[i]);
+    if (s.deleteFirst != 0) plist::setInteger(d, kDeleteFirst, s.deleteFirst);
 }
 
 std::optional<FourierTransformStep> loadFourier(const Value* d) {
@@ -164,14 +153,14 @@ bool saveLinearPrediction(Value* d, const LinearPredictionStep& s) {
         for (int32_t v :
              {int32_t{s.coefficients[i]}, int32_t{s.equations[i]},
               static_cast<int32_t>(s.firstPredicted[i]), static_cast<int32_t>(s.lastPredicted[i])})
-            plist::appendToArray(a, plist::createInteger(v));
+            plist::appendInteger(a, v);
     }
     if (a->items.empty()) {
         plist::release(a);
         return false;
     }
-    if (s.method != 0) plist::appendToArray(a, plist::createInteger(s.method));
-    put(d, kSegments, a);
+    if (s.method != 0) plist::appendInteger(a, s.method);
+    plist::addToDictionary(d, kSegments, a);
     return true;
 }
 
@@ -198,14 +187,14 @@ LinearPredictionStep loadLinearPrediction(const Value* d) {
 }
 
 void saveBaseplane(Value* d, const BaseplaneStep& s) {
-    putInt(d, kPriority, s.priority);
-    putInt(d, kOrder, s.order);
-    putInt(d, kMovingAverage, std::min<int32_t>(s.movingAverage, 127));
+    plist::setInteger(d, kPriority, s.priority);
+    plist::setInteger(d, kOrder, s.order);
+    plist::setInteger(d, kMovingAverage, std::min<int32_t>(s.movingAverage, 127));
     if (s.restricted) {
-        putReal(d, kFromPpm, s.fromPpm);
-        putReal(d, kToPpm, s.toPpm);
+        plist::setReal(d, kFromPpm, s.fromPpm);
+        plist::setReal(d, kToPpm, s.toPpm);
     }
-    put(d, kFunction, plist::createString(s.function != 0 ? "Polynomial" : "Whittaker"));
+    plist::setString(d, kFunction, s.function != 0 ? "Polynomial" : "Whittaker");
 }
 
 BaseplaneStep loadBaseplane(const Value* d) {
@@ -252,8 +241,8 @@ const char* stepName(StepKind kind) {
 
 Value* saveStep(const ProcessingStep& step) {
     plist::Ref d(plist::createDictionary());
-    put(d.get(), kName, plist::createString(stepName(step.kind())));
-    putInt(d.get(), kDimension, step.dimension);
+    plist::setString(d.get(), kName, stepName(step.kind()));
+    plist::setInteger(d.get(), kDimension, step.dimension);
     Value* v = d.get();
     bool saved = true;
     std::visit(
@@ -268,41 +257,38 @@ Value* saveStep(const ProcessingStep& step) {
                     saved = false;
                     return;
                 }
-                Value* a = plist::createArray();
+                Value* a = plist::setArray(v, kCoefficients);
                 for (int i = 0; i <= s.order; ++i)
-                    plist::appendToArray(
-                        a, plist::createReal(i < static_cast<int>(s.coefficients.size())
-                                                 ? s.coefficients[i]
-                                                 : 0.0));
-                put(v, kCoefficients, a);
+                    plist::appendReal(
+                        a, i < static_cast<int>(s.coefficients.size()) ? s.coefficients[i] : 0.0);
             } else if constexpr (std::is_same_v<T, BaseplaneStep>) {
                 saveBaseplane(v, s);
             } else if constexpr (std::is_same_v<T, HighPassFilterStep>) {
-                put(v, kFrequencies, realArray(s.frequencies));
-                putInt(v, kSelectivity, s.selectivity);
+                setReals(v, kFrequencies, s.frequencies);
+                plist::setInteger(v, kSelectivity, s.selectivity);
             } else if constexpr (std::is_same_v<T, DataReductionStep>) {
-                putReal(v, kApplyFrom, s.fromPpm);
-                putReal(v, kToPpm, s.toPpm);
-                putReal(v, kBinSize, s.binSize);
-                putInt(v, kOffsetBins, s.offsetBins);
+                plist::setReal(v, kApplyFrom, s.fromPpm);
+                plist::setReal(v, kToPpm, s.toPpm);
+                plist::setReal(v, kBinSize, s.binSize);
+                plist::setInteger(v, kOffsetBins, s.offsetBins);
             } else if constexpr (std::is_same_v<T, MonoExponentialFitStep>) {
-                putReal(v, kMinD, s.minD);
-                putReal(v, kMaxD, s.maxD);
-                putReal(v, kSignalToNoise, s.signalToNoise);
-                putReal(v, kMinPpm, s.minPpm);
-                putReal(v, kMaxPpm, s.maxPpm);
-                putInt(v, kPoints, s.points);
-                putInt(v, kMaxSigma, s.maxSigma);
-                putInt(v, kSmooth, s.smooth);
-                put(v, kLogScale, plist::createBoolean(s.logScale));
+                plist::setReal(v, kMinD, s.minD);
+                plist::setReal(v, kMaxD, s.maxD);
+                plist::setReal(v, kSignalToNoise, s.signalToNoise);
+                plist::setReal(v, kMinPpm, s.minPpm);
+                plist::setReal(v, kMaxPpm, s.maxPpm);
+                plist::setInteger(v, kPoints, s.points);
+                plist::setInteger(v, kMaxSigma, s.maxSigma);
+                plist::setInteger(v, kSmooth, s.smooth);
+                plist::setBoolean(v, kLogScale, s.logScale);
             } else if constexpr (std::is_same_v<T, QrDosyStep>) {
-                put(v, kDiffusion, realArray(s.diffusion));
-                putReal(v, kSignalToNoise, s.signalToNoise);
-                putReal(v, kMinPpm, s.minPpm);
-                putReal(v, kMaxPpm, s.maxPpm);
-                putInt(v, kSmooth, s.smooth);
-                putInt(v, kMask, s.mask);
-                putInt(v, kOverPercent, s.overPercent);
+                setReals(v, kDiffusion, s.diffusion);
+                plist::setReal(v, kSignalToNoise, s.signalToNoise);
+                plist::setReal(v, kMinPpm, s.minPpm);
+                plist::setReal(v, kMaxPpm, s.maxPpm);
+                plist::setInteger(v, kSmooth, s.smooth);
+                plist::setInteger(v, kMask, s.mask);
+                plist::setInteger(v, kOverPercent, s.overPercent);
             }
         },
         step.data);

@@ -1,4 +1,4 @@
-// Saving processing steps to property-list dictionaries and loading them back.
+// The processing steps of a document file: each step as one property-list dictionary.
 #pragma once
 
 #include <optional>

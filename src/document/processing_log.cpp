@@ -1,5 +1,5 @@
 // The processing log text.
-#include "processing/processing_log.h"
+#include "document/processing_log.h"
 
 #include <algorithm>
 #include <charconv>

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "processing/processing_log.h"
+#include "document/processing_log.h"
 #include "test_data.h"
 
 namespace zolt {

@@ -1,4 +1,4 @@
-#include "processing/processing_log.h"
+#include "document/processing_log.h"
 
 #include <gtest/gtest.h>
 

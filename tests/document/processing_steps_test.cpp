@@ -1,4 +1,4 @@
-#include "processing/processing_record.h"
+#include "document/processing_steps.h"
 
 #include <gtest/gtest.h>
 

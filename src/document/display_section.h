@@ -1,0 +1,20 @@
+// The display part of a document file: "window state" (with the sample metadata), "xyz index"
+// and "pages".
+#pragma once
+
+#include "io/plist.h"
+#include "model/spectrum_document.h"
+
+namespace zolt {
+
+plist::Value* windowStateToTree(const SpectrumDocument& doc);
+// Restores the window state and the metadata; nothing changes without a dictionary.
+void windowStateFromTree(const plist::Value* windowState, SpectrumDocument& doc);
+
+// The f-indices shown horizontally, vertically and as the third axis.
+plist::Value* xyzIndexToTree(const SpectrumSource& source);
+
+// One dictionary per page after the first; a document has only its first page so far.
+plist::Value* pagesToTree();
+
+}  // namespace zolt
