@@ -7,6 +7,8 @@
 #include <numbers>
 #include <utility>
 
+#include "processing/fft_permutation.h"
+
 #if defined(__x86_64__) && defined(__GNUC__)
 #include <immintrin.h>
 #endif
@@ -33,41 +35,6 @@ constexpr size_t kTwiddleBlock = 256;
 // Stages whose groups fit in a block of this many points run block by block while the block
 // stays in cache (2 x 64 KB), before the wider stages sweep the whole array.
 constexpr size_t kCacheSpan = size_t{1} << 14;
-
-void bitReverse(float* __restrict re, float* __restrict im, size_t n) {
-    size_t j = 0;
-    for (size_t i = 1; i < n; ++i) {
-        size_t m = n >> 1;
-        while (j >= m && m >= 2) {
-            j -= m;
-            m >>= 1;
-        }
-        j += m;
-        if (j > i) {
-            std::swap(re[i], re[j]);
-            std::swap(im[i], im[j]);
-        }
-    }
-}
-
-// The first two radix-2 stages fused: each group of four becomes its 4-point transform; the
-// odd pair is turned by +i (direction +1) or -i (direction -1).
-void radix4Pass(float* __restrict re, float* __restrict im, size_t n, float sign) {
-    for (size_t g = 0; g < n; g += 4) {
-        const float ar = re[g], ai = im[g], br = re[g + 1], bi = im[g + 1];
-        const float cr = re[g + 2], ci = im[g + 2], dr = re[g + 3], di = im[g + 3];
-        const float sr = ar + br, si = ai + bi, tr = ar - br, ti = ai - bi;
-        const float ur = cr + dr, ui = ci + di, vr = cr - dr, vi = ci - di;
-        re[g] = sr + ur;
-        im[g] = si + ui;
-        re[g + 1] = tr - sign * vi;
-        im[g + 1] = ti + sign * vr;
-        re[g + 2] = sr - ur;
-        im[g + 2] = si - ui;
-        re[g + 3] = tr + sign * vi;
-        im[g + 3] = ti - sign * vr;
-    }
-}
 
 // cos and sin of the stage angle pi/h.
 struct StageAngle {
@@ -252,36 +219,35 @@ template <typename P>
     if (k < last) radix2Stage<P>(re, im, len, size_t{4} << k, angles[k]);
 }
 
-// Everything after the bit reversal. The radix-4 pass and the stages whose groups of 2h fit
-// in a cache span run span by span; the wider stages then sweep the whole array.
+// The radix-2 stages after the permutation and its radix-4 pass. The stages whose groups of 2h
+// fit in a cache span run span by span; the wider stages then sweep the whole array.
 template <typename P>
-[[gnu::always_inline]] inline void butterflyPasses(float* re, float* im, size_t n, float sign,
+[[gnu::always_inline]] inline void butterflyPasses(float* re, float* im, size_t n,
                                                    const StageAngle* angles, size_t stages) {
     const size_t span = std::min(n, kCacheSpan);
     size_t local = 0;
     while ((size_t{8} << local) <= span) ++local;
     for (size_t start = 0; start < n; start += span) {
-        radix4Pass(re + start, im + start, span, sign);
         radix2Stages<P>(re + start, im + start, span, angles, 0, local);
     }
     radix2Stages<P>(re, im, n, angles, local, stages);
 }
 
 #ifdef ZOLT_FFT_X86
-[[gnu::target("avx")]] void butterflyPassesAvx(float* re, float* im, size_t n, float sign,
+[[gnu::target("avx")]] void butterflyPassesAvx(float* re, float* im, size_t n,
                                                const StageAngle* angles, size_t stages) {
-    butterflyPasses<AvxPack>(re, im, n, sign, angles, stages);
+    butterflyPasses<AvxPack>(re, im, n, angles, stages);
 }
 #endif
 
-void butterflyPassesAnyCpu(float* re, float* im, size_t n, float sign, const StageAngle* angles,
+void butterflyPassesAnyCpu(float* re, float* im, size_t n, const StageAngle* angles,
                            size_t stages) {
 #ifdef ZOLT_FFT_X86
     // Four-lane kernels need at least 4 points per half-span, which h >= 4 guarantees.
-    if (__builtin_cpu_supports("avx")) return butterflyPassesAvx(re, im, n, sign, angles, stages);
-    butterflyPasses<Sse2Pack>(re, im, n, sign, angles, stages);
+    if (__builtin_cpu_supports("avx")) return butterflyPassesAvx(re, im, n, angles, stages);
+    butterflyPasses<Sse2Pack>(re, im, n, angles, stages);
 #else
-    butterflyPasses<ScalarPack>(re, im, n, sign, angles, stages);
+    butterflyPasses<ScalarPack>(re, im, n, angles, stages);
 #endif
 }
 
@@ -289,7 +255,8 @@ void butterflyPassesAnyCpu(float* re, float* im, size_t n, float sign, const Sta
 
 void fft(float* re, float* im, size_t n, int direction) {
     if (n < 4 || n > kMaxFftSize || (n & (n - 1)) != 0) return;
-    bitReverse(re, im, n);
+    const float sign = direction > 0 ? 1.0f : -1.0f;
+    bitReverseWithRadix4(re, im, n, sign);
 
     // Stage k has angle pi/h, h = 4 << k: its cosine from the table, its sine by
     // sin(2x) = 2 sin x cos x downwards from sin(pi/2) = direction.
@@ -302,7 +269,7 @@ void fft(float* re, float* im, size_t n, int direction) {
         angles[stages] = {cosines[stages], s};
     }
 
-    butterflyPassesAnyCpu(re, im, n, direction > 0 ? 1.0f : -1.0f, angles.data(), stages);
+    butterflyPassesAnyCpu(re, im, n, angles.data(), stages);
 }
 
 void unscrambleRealFt(float* re, float* im, size_t n) {
