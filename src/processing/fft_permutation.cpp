@@ -51,6 +51,15 @@ struct alignas(16) Tile {
 // Copies the rows of the tile with middle value mid (rows of `width` points).
 void readTile(const float* re, const float* im, size_t mid, size_t width, size_t rowStride,
               Tile& t) {
+    if (width == kTile) {
+        // A fixed size lets the copies become plain vector moves.
+        for (size_t hi = 0; hi < kTile; ++hi) {
+            const size_t base = hi * rowStride + mid * kTile;
+            std::memcpy(t.re + hi * kTile, re + base, kTile * sizeof(float));
+            std::memcpy(t.im + hi * kTile, im + base, kTile * sizeof(float));
+        }
+        return;
+    }
     for (size_t hi = 0; hi < width; ++hi) {
         const size_t base = hi * rowStride + mid * width;
         std::memcpy(t.re + hi * kTile, re + base, width * sizeof(float));
@@ -86,12 +95,13 @@ void writeFullTile(float* re, float* im, size_t mid, size_t rowStride, const Til
                    float sign) {
     constexpr size_t rev2[4] = {0, 2, 1, 3};
     const __m128 s = _mm_set1_ps(sign);
-    // q outermost: the eight rows 4 rev2(e) + q of both arrays are finished before the next
-    // ones start, since rows n/16 apart compete for the same cache sets.
+    // The tile is assembled in a buffer and then written row by row: the rows lie n/16 points
+    // apart and so compete for the same cache sets, and a row written in one go is fetched once.
+    Tile out;
 #pragma GCC unroll 4
     for (size_t q = 0; q < 4; ++q) {
-        float* outR = re + q * rowStride + mid * kTile;
-        float* outI = im + q * rowStride + mid * kTile;
+        float* outR = out.re + q * kTile;
+        float* outI = out.im + q * kTile;
 #pragma GCC unroll 4
         for (size_t a = 0; a < 4; ++a) {
             const size_t at = rev2[a] * kTile + 4 * rev2[q];
@@ -113,14 +123,17 @@ void writeFullTile(float* re, float* im, size_t mid, size_t rowStride, const Til
             _MM_TRANSPOSE4_PS(r0, r1, r2, r3);
             _MM_TRANSPOSE4_PS(x0, x1, x2, x3);
             // Lane e goes to row 4 rev2(e) + q.
-            _mm_storeu_ps(outR + 4 * a, r0), _mm_storeu_ps(outI + 4 * a, x0);
-            _mm_storeu_ps(outR + 8 * rowStride + 4 * a, r1);
-            _mm_storeu_ps(outI + 8 * rowStride + 4 * a, x1);
-            _mm_storeu_ps(outR + 4 * rowStride + 4 * a, r2);
-            _mm_storeu_ps(outI + 4 * rowStride + 4 * a, x2);
-            _mm_storeu_ps(outR + 12 * rowStride + 4 * a, r3);
-            _mm_storeu_ps(outI + 12 * rowStride + 4 * a, x3);
+            _mm_store_ps(outR + 4 * a, r0), _mm_store_ps(outI + 4 * a, x0);
+            _mm_store_ps(outR + 8 * kTile + 4 * a, r1), _mm_store_ps(outI + 8 * kTile + 4 * a, x1);
+            _mm_store_ps(outR + 4 * kTile + 4 * a, r2), _mm_store_ps(outI + 4 * kTile + 4 * a, x2);
+            _mm_store_ps(outR + 12 * kTile + 4 * a, r3);
+            _mm_store_ps(outI + 12 * kTile + 4 * a, x3);
         }
+    }
+    for (size_t hi = 0; hi < kTile; ++hi) {
+        const size_t base = hi * rowStride + mid * kTile;
+        std::memcpy(re + base, out.re + hi * kTile, kTile * sizeof(float));
+        std::memcpy(im + base, out.im + hi * kTile, kTile * sizeof(float));
     }
 }
 #endif
