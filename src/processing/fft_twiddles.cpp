@@ -32,6 +32,40 @@ struct DirectionTables {
 
 }  // namespace
 
+TwiddleStream::TwiddleStream(StageAngle a)
+    : e1r(a.c),
+      e1i(a.s),
+      e2r(e1r * e1r - e1i * e1i),
+      e2i(2.0 * e1r * e1i),
+      e3r(e2r * e1r - e2i * e1i),
+      e3i(e2r * e1i + e2i * e1r),
+      e4r(e2r * e2r - e2i * e2i),
+      e4i(2.0 * e2r * e2i) {}
+
+void TwiddleStream::next(double* __restrict tr, double* __restrict ti, size_t count) {
+    for (size_t q = 0; q < count; q += 4) {
+        tr[q] = wr;
+        ti[q] = wi;
+        tr[q + 1] = wr * e1r - wi * e1i;
+        ti[q + 1] = wr * e1i + wi * e1r;
+        tr[q + 2] = wr * e2r - wi * e2i;
+        ti[q + 2] = wr * e2i + wi * e2r;
+        tr[q + 3] = wr * e3r - wi * e3i;
+        ti[q + 3] = wr * e3i + wi * e3r;
+        advance();
+    }
+}
+
+void TwiddleStream::skip(size_t count) {
+    for (size_t q = 0; q < count; q += 4) advance();
+}
+
+void TwiddleStream::advance() {
+    const double nr = wr * e4r - wi * e4i;
+    wi = wr * e4i + wi * e4r;
+    wr = nr;
+}
+
 std::array<StageAngle, kFftStages> stageAngles(int direction) {
     const auto& cosines = cosineTable();
     std::array<StageAngle, kFftStages> angles;

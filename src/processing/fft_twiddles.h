@@ -21,42 +21,18 @@ struct StageAngle {
 std::array<StageAngle, kFftStages> stageAngles(int direction);
 
 // The twiddles of one stage in order: w = 1, then w e^{i theta}, w e^{2i theta},
-// w e^{3i theta} by complex multiplication, and w advanced by e^{4i theta} per quad.
+// w e^{3i theta} by complex multiplication, and w advanced by e^{4i theta} per quad. Its code
+// is out of line, in plain double arithmetic, so that no caller compiled for a wider
+// instruction set can fuse its multiply-adds.
 struct TwiddleStream {
-    explicit TwiddleStream(StageAngle a)
-        : e1r(a.c),
-          e1i(a.s),
-          e2r(e1r * e1r - e1i * e1i),
-          e2i(2.0 * e1r * e1i),
-          e3r(e2r * e1r - e2i * e1i),
-          e3i(e2r * e1i + e2i * e1r),
-          e4r(e2r * e2r - e2i * e2i),
-          e4i(2.0 * e2r * e2i) {}
+    explicit TwiddleStream(StageAngle a);
 
-    // count is a multiple of 4.
-    void next(double* __restrict tr, double* __restrict ti, size_t count) {
-        for (size_t q = 0; q < count; q += 4) {
-            tr[q] = wr;
-            ti[q] = wi;
-            tr[q + 1] = wr * e1r - wi * e1i;
-            ti[q + 1] = wr * e1i + wi * e1r;
-            tr[q + 2] = wr * e2r - wi * e2i;
-            ti[q + 2] = wr * e2i + wi * e2r;
-            tr[q + 3] = wr * e3r - wi * e3i;
-            ti[q + 3] = wr * e3i + wi * e3r;
-            advance();
-        }
-    }
-    void skip(size_t count) {
-        for (size_t q = 0; q < count; q += 4) advance();
-    }
+    // The next count values (a multiple of 4).
+    void next(double* __restrict tr, double* __restrict ti, size_t count);
+    void skip(size_t count);
 
 private:
-    void advance() {
-        const double nr = wr * e4r - wi * e4i;
-        wi = wr * e4i + wi * e4r;
-        wr = nr;
-    }
+    void advance();
 
     double e1r, e1i, e2r, e2i, e3r, e3i, e4r, e4i;
     double wr = 1.0, wi = 0.0;
