@@ -1,11 +1,8 @@
 #include "processing/fft.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstring>
 #include <numbers>
-#include <utility>
 
 #include "processing/fft_permutation.h"
 #include "processing/fft_twiddles.h"
