@@ -1,11 +1,11 @@
 #include "processing/fft.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstring>
 #include <numbers>
-#include <utility>
+
+#include "processing/fft_permutation.h"
+#include "processing/fft_twiddles.h"
 
 #if defined(__x86_64__) && defined(__GNUC__)
 #include <immintrin.h>
@@ -13,18 +13,6 @@
 
 namespace zolt {
 namespace {
-
-// cos(pi / 2^(k+2)) for k = 0 ... 17 by the half-angle identity cos x = sqrt(2 + 2 cos 2x) / 2;
-// one entry per radix-2 stage, which is what bounds the length to 2^20.
-const std::array<double, 18>& cosineTable() {
-    static const std::array<double, 18> table = [] {
-        std::array<double, 18> c{};
-        c[0] = std::sqrt(2.0) / 2.0;
-        for (size_t k = 1; k < c.size(); ++k) c[k] = std::sqrt(2.0 + 2.0 * c[k - 1]) / 2.0;
-        return c;
-    }();
-    return table;
-}
 
 // Twiddles are generated for this many butterflies at a time and then applied to every group
 // of the stage, so that a stage walks memory in long runs instead of one stride-2h sweep per
@@ -34,87 +22,44 @@ constexpr size_t kTwiddleBlock = 256;
 // stays in cache (2 x 64 KB), before the wider stages sweep the whole array.
 constexpr size_t kCacheSpan = size_t{1} << 14;
 
-void bitReverse(float* __restrict re, float* __restrict im, size_t n) {
-    size_t j = 0;
-    for (size_t i = 1; i < n; ++i) {
-        size_t m = n >> 1;
-        while (j >= m && m >= 2) {
-            j -= m;
-            m >>= 1;
-        }
-        j += m;
-        if (j > i) {
-            std::swap(re[i], re[j]);
-            std::swap(im[i], im[j]);
-        }
+// A stage's twiddles offset, offset + 1, ... block by block: read from its table, or
+// streamed into a buffer when the stage is too wide to keep one.
+class TwiddleBlocks {
+public:
+    TwiddleBlocks(size_t stage, int direction, StageAngle a, size_t offset)
+        : table_(twiddleTable(stage, direction)), stream_(a), at_(offset) {
+        if (!table_.re) stream_.skip(offset);
     }
-}
-
-// The first two radix-2 stages fused: each group of four becomes its 4-point transform; the
-// odd pair is turned by +i (direction +1) or -i (direction -1).
-void radix4Pass(float* __restrict re, float* __restrict im, size_t n, float sign) {
-    for (size_t g = 0; g < n; g += 4) {
-        const float ar = re[g], ai = im[g], br = re[g + 1], bi = im[g + 1];
-        const float cr = re[g + 2], ci = im[g + 2], dr = re[g + 3], di = im[g + 3];
-        const float sr = ar + br, si = ai + bi, tr = ar - br, ti = ai - bi;
-        const float ur = cr + dr, ui = ci + di, vr = cr - dr, vi = ci - di;
-        re[g] = sr + ur;
-        im[g] = si + ui;
-        re[g + 1] = tr - sign * vi;
-        im[g + 1] = ti + sign * vr;
-        re[g + 2] = sr - ur;
-        im[g + 2] = si - ui;
-        re[g + 3] = tr + sign * vi;
-        im[g + 3] = ti - sign * vr;
-    }
-}
-
-// cos and sin of the stage angle pi/h.
-struct StageAngle {
-    double c = 1.0, s = 0.0;
-};
-
-// The twiddles of one stage in order: w = 1, then w e^{i theta}, w e^{2i theta},
-// w e^{3i theta} by complex multiplication, and w advanced by e^{4i theta} per quad.
-struct TwiddleStream {
-    explicit TwiddleStream(StageAngle a)
-        : e1r(a.c),
-          e1i(a.s),
-          e2r(e1r * e1r - e1i * e1i),
-          e2i(2.0 * e1r * e1i),
-          e3r(e2r * e1r - e2i * e1i),
-          e3i(e2r * e1i + e2i * e1r),
-          e4r(e2r * e2r - e2i * e2i),
-          e4i(2.0 * e2r * e2i) {}
-
-    // count is a multiple of 4.
-    void next(double* __restrict tr, double* __restrict ti, size_t count) {
-        for (size_t q = 0; q < count; q += 4) {
-            tr[q] = wr;
-            ti[q] = wi;
-            tr[q + 1] = wr * e1r - wi * e1i;
-            ti[q + 1] = wr * e1i + wi * e1r;
-            tr[q + 2] = wr * e2r - wi * e2i;
-            ti[q + 2] = wr * e2i + wi * e2r;
-            tr[q + 3] = wr * e3r - wi * e3i;
-            ti[q + 3] = wr * e3i + wi * e3r;
-            advance();
+    // The next count twiddles.
+    void next(size_t count, const double*& re, const double*& im) {
+        if (table_.re) {
+            re = table_.re + at_;
+            im = table_.im + at_;
+        } else {
+            stream_.next(bufR_, bufI_, count);
+            re = bufR_;
+            im = bufI_;
         }
-    }
-    void skip(size_t count) {
-        for (size_t q = 0; q < count; q += 4) advance();
+        at_ += count;
     }
 
 private:
-    void advance() {
-        const double nr = wr * e4r - wi * e4i;
-        wi = wr * e4i + wi * e4r;
-        wr = nr;
-    }
-
-    double e1r, e1i, e2r, e2i, e3r, e3i, e4r, e4i;
-    double wr = 1.0, wi = 0.0;
+    TwiddleTable table_;
+    TwiddleStream stream_;
+    size_t at_;
+    alignas(64) double bufR_[kTwiddleBlock], bufI_[kTwiddleBlock];
 };
+
+// a + w b and a - w b, in place.
+template <typename D>
+[[gnu::always_inline]] inline void butterfly(D& ar, D& ai, D& br, D& bi, const D& wr, const D& wi) {
+    const D tr = wr * br - wi * bi;
+    const D ti = wr * bi + wi * br;
+    br = ar - tr;
+    bi = ai - ti;
+    ar = ar + tr;
+    ai = ai + ti;
+}
 
 // Lane packs for the butterflies: samples widened to double for the twiddle product and the
 // sums, and rounded back to float when stored, exactly as a scalar butterfly would. Packs
@@ -132,6 +77,9 @@ struct Sse2Pack {
         _mm_store_sd(reinterpret_cast<double*>(p), _mm_castps_pd(_mm_cvtpd_ps(d)));
     }
     static void roundToFloat(D& d) { d = _mm_cvtps_pd(_mm_cvtpd_ps(d)); }
+    static void butterfly(D& ar, D& ai, D& br, D& bi, const D& wr, const D& wi) {
+        zolt::butterfly(ar, ai, br, bi, wr, wi);
+    }
 };
 
 // Compiled for AVX only where it is used: the kernels below are inlined into an AVX entry
@@ -151,6 +99,30 @@ struct AvxPack {
     [[gnu::target("avx")]] static inline void roundToFloat(D& d) {
         d = _mm256_cvtps_pd(_mm256_cvtpd_ps(d));
     }
+    [[gnu::target("avx")]] static inline void butterfly(D& ar, D& ai, D& br, D& bi, const D& wr,
+                                                        const D& wi) {
+        zolt::butterfly(ar, ai, br, bi, wr, wi);
+    }
+};
+
+// The same butterfly, with four of its six sums done by the multiply-add unit as x * (+-1) + y:
+// the product is exact, so each is still one correctly rounded sum, and the sums no longer queue
+// with the float-double conversions on the adders (measured faster than six plain adds). The
+// products are hidden from the optimiser so that none of them can be fused into the sums.
+struct AvxFmaPack : AvxPack {
+    [[gnu::target("avx,fma")]] static inline void butterfly(D& ar, D& ai, D& br, D& bi, const D& wr,
+                                                            const D& wi) {
+        const D one = _mm256_set1_pd(1.0), minusOne = _mm256_set1_pd(-1.0);
+        D p1 = _mm256_mul_pd(wr, br), p2 = _mm256_mul_pd(wi, bi);
+        D p3 = _mm256_mul_pd(wr, bi), p4 = _mm256_mul_pd(wi, br);
+        asm("" : "+x"(p1), "+x"(p2), "+x"(p3), "+x"(p4));
+        const D tr = _mm256_fmadd_pd(p2, minusOne, p1);  // p1 - p2
+        const D ti = _mm256_fmadd_pd(p3, one, p4);       // p3 + p4
+        br = _mm256_fmadd_pd(tr, minusOne, ar);          // ar - tr
+        bi = _mm256_fmadd_pd(ti, minusOne, ai);          // ai - ti
+        ar = _mm256_add_pd(ar, tr);
+        ai = _mm256_add_pd(ai, ti);
+    }
 };
 #else
 struct ScalarPack {
@@ -160,37 +132,30 @@ struct ScalarPack {
     static void load(const double* p, D& d) { d = *p; }
     static void store(float* p, const D& d) { *p = static_cast<float>(d); }
     static void roundToFloat(D& d) { d = static_cast<float>(d); }
+    static void butterfly(D& ar, D& ai, D& br, D& bi, const D& wr, const D& wi) {
+        zolt::butterfly(ar, ai, br, bi, wr, wi);
+    }
 };
 #endif
-
-// a + w b and a - w b, in place.
-template <typename D>
-[[gnu::always_inline]] inline void butterfly(D& ar, D& ai, D& br, D& bi, const D& wr, const D& wi) {
-    const D tr = wr * br - wi * bi;
-    const D ti = wr * bi + wi * br;
-    br = ar - tr;
-    bi = ai - ti;
-    ar = ar + tr;
-    ai = ai + ti;
-}
 
 // One radix-2 stage of half-span h over len points.
 template <typename P>
 [[gnu::always_inline]] inline void radix2Stage(float* __restrict re, float* __restrict im,
-                                               size_t len, size_t h, StageAngle a) {
+                                               size_t len, size_t k, int direction, StageAngle a) {
     using D = typename P::D;
-    TwiddleStream w(a);
-    alignas(64) double twr[kTwiddleBlock], twi[kTwiddleBlock];
+    const size_t h = size_t{4} << k;
+    TwiddleBlocks w(k, direction, a, 0);
     const size_t block = std::min(h, kTwiddleBlock);
     for (size_t m = 0; m < h; m += block) {
-        w.next(twr, twi, block);
+        const double *twr, *twi;
+        w.next(block, twr, twi);
         for (size_t g = m; g < len; g += 2 * h) {
             for (size_t q = 0; q < block; q += P::width) {
                 const size_t i = g + q, j = i + h;
                 D ar, ai, br, bi, wr, wi;
                 P::load(re + i, ar), P::load(im + i, ai), P::load(re + j, br), P::load(im + j, bi);
                 P::load(twr + q, wr), P::load(twi + q, wi);
-                butterfly(ar, ai, br, bi, wr, wi);
+                P::butterfly(ar, ai, br, bi, wr, wi);
                 P::store(re + i, ar), P::store(im + i, ai);
                 P::store(re + j, br), P::store(im + j, bi);
             }
@@ -200,22 +165,20 @@ template <typename P>
 
 // The stages of half-spans h and 2h in one sweep over len points: the four quarters of each
 // group of 4h go through stage h, are rounded to float as if stored, then through stage 2h,
-// whose twiddles for the second quarter come from a second stream started h steps ahead.
+// whose twiddles for the second quarter are those h places further on.
 template <typename P>
 [[gnu::always_inline]] inline void radix2StagePair(float* __restrict re, float* __restrict im,
-                                                   size_t len, size_t h, StageAngle a,
-                                                   StageAngle b) {
+                                                   size_t len, size_t k, int direction,
+                                                   StageAngle a, StageAngle b) {
     using D = typename P::D;
-    TwiddleStream w1(a), w2(b), w2h(b);
-    w2h.skip(h);
-    alignas(64) double w1r[kTwiddleBlock], w1i[kTwiddleBlock];
-    alignas(64) double w2r[kTwiddleBlock], w2i[kTwiddleBlock];
-    alignas(64) double w3r[kTwiddleBlock], w3i[kTwiddleBlock];
+    const size_t h = size_t{4} << k;
+    TwiddleBlocks w1(k, direction, a, 0), w2(k + 1, direction, b, 0), w3(k + 1, direction, b, h);
     const size_t block = std::min(h, kTwiddleBlock);
     for (size_t m = 0; m < h; m += block) {
-        w1.next(w1r, w1i, block);
-        w2.next(w2r, w2i, block);
-        w2h.next(w3r, w3i, block);
+        const double *w1r, *w1i, *w2r, *w2i, *w3r, *w3i;
+        w1.next(block, w1r, w1i);
+        w2.next(block, w2r, w2i);
+        w3.next(block, w3r, w3i);
         for (size_t g = m; g < len; g += 4 * h) {
             for (size_t q = 0; q < block; q += P::width) {
                 const size_t i0 = g + q, i1 = i0 + h, i2 = i1 + h, i3 = i2 + h;
@@ -224,15 +187,15 @@ template <typename P>
                 P::load(im + i1, x1), P::load(re + i2, r2), P::load(im + i2, x2);
                 P::load(re + i3, r3), P::load(im + i3, x3);
                 P::load(w1r + q, wr), P::load(w1i + q, wi);
-                butterfly(r0, x0, r1, x1, wr, wi);
-                butterfly(r2, x2, r3, x3, wr, wi);
+                P::butterfly(r0, x0, r1, x1, wr, wi);
+                P::butterfly(r2, x2, r3, x3, wr, wi);
                 P::roundToFloat(r0), P::roundToFloat(x0), P::roundToFloat(r1);
                 P::roundToFloat(x1), P::roundToFloat(r2), P::roundToFloat(x2);
                 P::roundToFloat(r3), P::roundToFloat(x3);
                 P::load(w2r + q, wr), P::load(w2i + q, wi);
-                butterfly(r0, x0, r2, x2, wr, wi);
+                P::butterfly(r0, x0, r2, x2, wr, wi);
                 P::load(w3r + q, wr), P::load(w3i + q, wi);
-                butterfly(r1, x1, r3, x3, wr, wi);
+                P::butterfly(r1, x1, r3, x3, wr, wi);
                 P::store(re + i0, r0), P::store(im + i0, x0), P::store(re + i1, r1);
                 P::store(im + i1, x1), P::store(re + i2, r2), P::store(im + i2, x2);
                 P::store(re + i3, r3), P::store(im + i3, x3);
@@ -243,45 +206,52 @@ template <typename P>
 
 // Stages first ... last-1 (stage k has half-span 4 << k) over len points, two at a time.
 template <typename P>
-[[gnu::always_inline]] inline void radix2Stages(float* re, float* im, size_t len,
+[[gnu::always_inline]] inline void radix2Stages(float* re, float* im, size_t len, int direction,
                                                 const StageAngle* angles, size_t first,
                                                 size_t last) {
     size_t k = first;
     for (; k + 1 < last; k += 2)
-        radix2StagePair<P>(re, im, len, size_t{4} << k, angles[k], angles[k + 1]);
-    if (k < last) radix2Stage<P>(re, im, len, size_t{4} << k, angles[k]);
+        radix2StagePair<P>(re, im, len, k, direction, angles[k], angles[k + 1]);
+    if (k < last) radix2Stage<P>(re, im, len, k, direction, angles[k]);
 }
 
-// Everything after the bit reversal. The radix-4 pass and the stages whose groups of 2h fit
-// in a cache span run span by span; the wider stages then sweep the whole array.
+// The radix-2 stages after the permutation and its radix-4 pass. The stages whose groups of 2h
+// fit in a cache span run span by span; the wider stages then sweep the whole array.
 template <typename P>
-[[gnu::always_inline]] inline void butterflyPasses(float* re, float* im, size_t n, float sign,
+[[gnu::always_inline]] inline void butterflyPasses(float* re, float* im, size_t n, int direction,
                                                    const StageAngle* angles, size_t stages) {
     const size_t span = std::min(n, kCacheSpan);
     size_t local = 0;
     while ((size_t{8} << local) <= span) ++local;
     for (size_t start = 0; start < n; start += span) {
-        radix4Pass(re + start, im + start, span, sign);
-        radix2Stages<P>(re + start, im + start, span, angles, 0, local);
+        radix2Stages<P>(re + start, im + start, span, direction, angles, 0, local);
     }
-    radix2Stages<P>(re, im, n, angles, local, stages);
+    radix2Stages<P>(re, im, n, direction, angles, local, stages);
 }
 
 #ifdef ZOLT_FFT_X86
-[[gnu::target("avx")]] void butterflyPassesAvx(float* re, float* im, size_t n, float sign,
+[[gnu::target("avx,fma")]] void butterflyPassesAvxFma(float* re, float* im, size_t n, int direction,
+                                                      const StageAngle* angles, size_t stages) {
+    butterflyPasses<AvxFmaPack>(re, im, n, direction, angles, stages);
+}
+
+[[gnu::target("avx")]] void butterflyPassesAvx(float* re, float* im, size_t n, int direction,
                                                const StageAngle* angles, size_t stages) {
-    butterflyPasses<AvxPack>(re, im, n, sign, angles, stages);
+    butterflyPasses<AvxPack>(re, im, n, direction, angles, stages);
 }
 #endif
 
-void butterflyPassesAnyCpu(float* re, float* im, size_t n, float sign, const StageAngle* angles,
+void butterflyPassesAnyCpu(float* re, float* im, size_t n, int direction, const StageAngle* angles,
                            size_t stages) {
 #ifdef ZOLT_FFT_X86
     // Four-lane kernels need at least 4 points per half-span, which h >= 4 guarantees.
-    if (__builtin_cpu_supports("avx")) return butterflyPassesAvx(re, im, n, sign, angles, stages);
-    butterflyPasses<Sse2Pack>(re, im, n, sign, angles, stages);
+    if (__builtin_cpu_supports("avx") && __builtin_cpu_supports("fma"))
+        return butterflyPassesAvxFma(re, im, n, direction, angles, stages);
+    if (__builtin_cpu_supports("avx"))
+        return butterflyPassesAvx(re, im, n, direction, angles, stages);
+    butterflyPasses<Sse2Pack>(re, im, n, direction, angles, stages);
 #else
-    butterflyPasses<ScalarPack>(re, im, n, sign, angles, stages);
+    butterflyPasses<ScalarPack>(re, im, n, direction, angles, stages);
 #endif
 }
 
@@ -289,20 +259,13 @@ void butterflyPassesAnyCpu(float* re, float* im, size_t n, float sign, const Sta
 
 void fft(float* re, float* im, size_t n, int direction) {
     if (n < 4 || n > kMaxFftSize || (n & (n - 1)) != 0) return;
-    bitReverse(re, im, n);
+    const float sign = direction > 0 ? 1.0f : -1.0f;
+    bitReverseWithRadix4(re, im, n, sign);
 
-    // Stage k has angle pi/h, h = 4 << k: its cosine from the table, its sine by
-    // sin(2x) = 2 sin x cos x downwards from sin(pi/2) = direction.
-    const auto& cosines = cosineTable();
-    std::array<StageAngle, 18> angles;
     size_t stages = 0;
-    double s = direction > 0 ? 1.0 : -1.0;
-    for (size_t h = 4; h < n; h <<= 1, ++stages) {
-        s /= 2.0 * cosines[stages];
-        angles[stages] = {cosines[stages], s};
-    }
-
-    butterflyPassesAnyCpu(re, im, n, direction > 0 ? 1.0f : -1.0f, angles.data(), stages);
+    while ((size_t{8} << stages) <= n) ++stages;
+    const auto angles = stageAngles(direction);
+    butterflyPassesAnyCpu(re, im, n, direction, angles.data(), stages);
 }
 
 void unscrambleRealFt(float* re, float* im, size_t n) {

@@ -1,0 +1,189 @@
+#include "processing/fft_permutation.h"
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+#if defined(__x86_64__) && defined(__GNUC__)
+#include <emmintrin.h>
+#define ZOLT_PERMUTATION_SSE2 1
+#endif
+
+namespace zolt {
+namespace {
+
+// Index bits split as [high | middle | low], high and low kTileBits wide: reversing an index
+// reverses the middle and swaps the reversed high and low parts. So the points sharing a middle
+// value form a tile of rows (high) of contiguous runs (low), and tile m trades places with tile
+// reverse(m) transposed. Whole rows are read into a buffer and written back from the partner's
+// buffer, which replaces the scattered single swaps by runs of 2^kTileBits points.
+constexpr unsigned kTileBits = 4;
+constexpr size_t kTile = size_t{1} << kTileBits;
+
+uint32_t reverseBits(uint32_t x, unsigned bits) {
+    if (bits == 0) return 0;
+    x = ((x >> 1) & 0x55555555u) | ((x & 0x55555555u) << 1);
+    x = ((x >> 2) & 0x33333333u) | ((x & 0x33333333u) << 2);
+    x = ((x >> 4) & 0x0F0F0F0Fu) | ((x & 0x0F0F0F0Fu) << 4);
+    x = ((x >> 8) & 0x00FF00FFu) | ((x & 0x00FF00FFu) << 8);
+    x = (x >> 16) | (x << 16);
+    return x >> (32 - bits);
+}
+
+// The 4-point transform of a, b, c, d in float, as the two fused radix-2 stages compute it.
+inline void radix4(const float* r, const float* x, float* outR, float* outI, float sign) {
+    const float sr = r[0] + r[1], si = x[0] + x[1], tr = r[0] - r[1], ti = x[0] - x[1];
+    const float ur = r[2] + r[3], ui = x[2] + x[3], vr = r[2] - r[3], vi = x[2] - x[3];
+    outR[0] = sr + ur;
+    outI[0] = si + ui;
+    outR[1] = tr - sign * vi;
+    outI[1] = ti + sign * vr;
+    outR[2] = sr - ur;
+    outI[2] = si - ui;
+    outR[3] = tr + sign * vi;
+    outI[3] = ti - sign * vr;
+}
+
+struct alignas(16) Tile {
+    float re[kTile * kTile];
+    float im[kTile * kTile];
+};
+
+// Copies the rows of the tile with middle value mid (rows of `width` points).
+void readTile(const float* re, const float* im, size_t mid, size_t width, size_t rowStride,
+              Tile& t) {
+    if (width == kTile) {
+        // A fixed size lets the copies become plain vector moves.
+        for (size_t hi = 0; hi < kTile; ++hi) {
+            const size_t base = hi * rowStride + mid * kTile;
+            std::memcpy(t.re + hi * kTile, re + base, kTile * sizeof(float));
+            std::memcpy(t.im + hi * kTile, im + base, kTile * sizeof(float));
+        }
+        return;
+    }
+    for (size_t hi = 0; hi < width; ++hi) {
+        const size_t base = hi * rowStride + mid * width;
+        std::memcpy(t.re + hi * kTile, re + base, width * sizeof(float));
+        std::memcpy(t.im + hi * kTile, im + base, width * sizeof(float));
+    }
+}
+
+// Writes the tile with middle value mid from the partner's buffer: point (hi, lo) takes the
+// partner's point (reverse(lo), reverse(hi)); each run of four then gets its radix-4 pass.
+void writeTile(float* re, float* im, size_t mid, size_t width, size_t rowStride, const uint8_t* rev,
+               const Tile& from, float sign) {
+    float r[kTile], x[kTile];
+    for (size_t hi = 0; hi < width; ++hi) {
+        const size_t column = rev[hi];
+        for (size_t lo = 0; lo < width; ++lo) {
+            r[lo] = from.re[rev[lo] * kTile + column];
+            x[lo] = from.im[rev[lo] * kTile + column];
+        }
+        float* outR = re + hi * rowStride + mid * width;
+        float* outI = im + hi * rowStride + mid * width;
+        for (size_t lo = 0; lo < width; lo += 4) radix4(r + lo, x + lo, outR + lo, outI + lo, sign);
+    }
+}
+
+#ifdef ZOLT_PERMUTATION_SSE2
+// writeTile for full 16 x 16 tiles, four groups at a time. With lo = 4A + c and hi = 4P + q,
+// point (hi, lo) takes the partner's point in row 4 rev2(c) + rev2(A), column 4 rev2(q) +
+// rev2(P). So for fixed A and q the four quads (rows 4 rev2(c) + rev2(A), c = 0 ... 3, columns
+// 4 rev2(q) ... + 3) hold points a, b, c, d of four groups side by side, one group per lane:
+// the radix-4 pass runs on them lane by lane, and a 4 x 4 transpose sends lane e to row
+// 4 rev2(e) + q.
+void writeFullTile(float* re, float* im, size_t mid, size_t rowStride, const Tile& from,
+                   float sign) {
+    constexpr size_t rev2[4] = {0, 2, 1, 3};
+    const __m128 s = _mm_set1_ps(sign);
+    // The tile is assembled in a buffer and then written row by row: the rows lie n/16 points
+    // apart and so compete for the same cache sets, and a row written in one go is fetched once.
+    Tile out;
+#pragma GCC unroll 4
+    for (size_t q = 0; q < 4; ++q) {
+        float* outR = out.re + q * kTile;
+        float* outI = out.im + q * kTile;
+#pragma GCC unroll 4
+        for (size_t a = 0; a < 4; ++a) {
+            const size_t at = rev2[a] * kTile + 4 * rev2[q];
+            const float* r = from.re + at;
+            const float* x = from.im + at;
+            const __m128 ar = _mm_load_ps(r), br = _mm_load_ps(r + 8 * kTile);
+            const __m128 cr = _mm_load_ps(r + 4 * kTile), dr = _mm_load_ps(r + 12 * kTile);
+            const __m128 ai = _mm_load_ps(x), bi = _mm_load_ps(x + 8 * kTile);
+            const __m128 ci = _mm_load_ps(x + 4 * kTile), di = _mm_load_ps(x + 12 * kTile);
+            const __m128 sr = _mm_add_ps(ar, br), si = _mm_add_ps(ai, bi);
+            const __m128 tr = _mm_sub_ps(ar, br), ti = _mm_sub_ps(ai, bi);
+            const __m128 ur = _mm_add_ps(cr, dr), ui = _mm_add_ps(ci, di);
+            const __m128 vr = _mm_sub_ps(cr, dr), vi = _mm_sub_ps(ci, di);
+            const __m128 svi = _mm_mul_ps(s, vi), svr = _mm_mul_ps(s, vr);
+            __m128 r0 = _mm_add_ps(sr, ur), x0 = _mm_add_ps(si, ui);
+            __m128 r1 = _mm_sub_ps(tr, svi), x1 = _mm_add_ps(ti, svr);
+            __m128 r2 = _mm_sub_ps(sr, ur), x2 = _mm_sub_ps(si, ui);
+            __m128 r3 = _mm_add_ps(tr, svi), x3 = _mm_sub_ps(ti, svr);
+            _MM_TRANSPOSE4_PS(r0, r1, r2, r3);
+            _MM_TRANSPOSE4_PS(x0, x1, x2, x3);
+            // Lane e goes to row 4 rev2(e) + q.
+            _mm_store_ps(outR + 4 * a, r0), _mm_store_ps(outI + 4 * a, x0);
+            _mm_store_ps(outR + 8 * kTile + 4 * a, r1), _mm_store_ps(outI + 8 * kTile + 4 * a, x1);
+            _mm_store_ps(outR + 4 * kTile + 4 * a, r2), _mm_store_ps(outI + 4 * kTile + 4 * a, x2);
+            _mm_store_ps(outR + 12 * kTile + 4 * a, r3);
+            _mm_store_ps(outI + 12 * kTile + 4 * a, x3);
+        }
+    }
+    for (size_t hi = 0; hi < kTile; ++hi) {
+        const size_t base = hi * rowStride + mid * kTile;
+        std::memcpy(re + base, out.re + hi * kTile, kTile * sizeof(float));
+        std::memcpy(im + base, out.im + hi * kTile, kTile * sizeof(float));
+    }
+}
+#endif
+
+void writeTileAnyWidth(float* re, float* im, size_t mid, size_t width, size_t rowStride,
+                       const uint8_t* rev, const Tile& from, float sign) {
+#ifdef ZOLT_PERMUTATION_SSE2
+    if (width == kTile) return writeFullTile(re, im, mid, rowStride, from, sign);
+#endif
+    writeTile(re, im, mid, width, rowStride, rev, from, sign);
+}
+
+}  // namespace
+
+void bitReverseWithRadix4(float* re, float* im, size_t n, float sign) {
+    unsigned bits = 0;
+    while ((size_t{1} << bits) < n) ++bits;
+    // Rows of at least four points keep each radix-4 group inside one row.
+    const unsigned edge = bits >= 2 * kTileBits ? kTileBits : bits / 2;
+    if (edge < 2) {
+        // n = 4 or 8: one group per four points, permuted by the same rule.
+        float r[8], x[8];
+        for (size_t i = 0; i < n; ++i) {
+            r[i] = re[reverseBits(uint32_t(i), bits)];
+            x[i] = im[reverseBits(uint32_t(i), bits)];
+        }
+        for (size_t g = 0; g < n; g += 4) radix4(r + g, x + g, re + g, im + g, sign);
+        return;
+    }
+    const size_t width = size_t{1} << edge;
+    const unsigned midBits = bits - 2 * edge;
+    const size_t mids = size_t{1} << midBits;
+    const size_t rowStride = n >> edge;
+    std::array<uint8_t, kTile> rev{};
+    for (size_t k = 0; k < width; ++k) rev[k] = uint8_t(reverseBits(uint32_t(k), edge));
+
+    Tile a, b;
+    for (size_t mid = 0; mid < mids; ++mid) {
+        const size_t partner = reverseBits(uint32_t(mid), midBits);
+        if (partner < mid) continue;
+        readTile(re, im, mid, width, rowStride, a);
+        if (partner == mid) {
+            writeTileAnyWidth(re, im, mid, width, rowStride, rev.data(), a, sign);
+            continue;
+        }
+        readTile(re, im, partner, width, rowStride, b);
+        writeTileAnyWidth(re, im, mid, width, rowStride, rev.data(), b, sign);
+        writeTileAnyWidth(re, im, partner, width, rowStride, rev.data(), a, sign);
+    }
+}
+
+}  // namespace zolt
