@@ -1,6 +1,7 @@
 #include "test_data.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -16,8 +17,41 @@
 
 namespace zolt::testdata {
 
-std::string root() {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string findRoot() {
+    if (const char* env = std::getenv("ZOLT_TESTDATA_DIR"); env && *env) return env;
+    if (readable(ZOLT_TESTDATA_DIR)) return ZOLT_TESTDATA_DIR;
+    std::vector<fs::path> candidates;
+    std::error_code ec;
+    const fs::path program = fs::read_symlink("/proc/self/exe", ec);
+    if (!ec) {
+        candidates.push_back(program.parent_path() / "testdata");
+        candidates.push_back(program.parent_path().parent_path() / "testdata");
+    }
+    const fs::path here = fs::current_path(ec);
+    if (!ec) {
+        candidates.push_back(here / "testdata");
+        candidates.push_back(here / "build" / "testdata");
+    }
+    for (const auto& c : candidates)
+        if (readable(c.string())) return c.lexically_normal().string();
     return ZOLT_TESTDATA_DIR;
+}
+
+}  // namespace
+
+bool readable(const std::string& folder) {
+    std::error_code ec;
+    fs::directory_iterator listing(folder, ec);
+    return !ec;
+}
+
+std::string root() {
+    static const std::string found = findRoot();
+    return found;
 }
 
 std::string bruker(const std::string& name) {
@@ -42,14 +76,6 @@ std::string bruker(const std::string& name) {
 
 std::string shared(const std::string& relative) {
     return std::string(ZOLT_SHARED_TESTDATA_DIR) + "/" + relative;
-}
-
-std::string cliPath() {
-#ifdef ZOLT_CLI_PATH
-    return ZOLT_CLI_PATH;
-#else
-    return "zolt-cli";
-#endif
 }
 
 std::string freshTempDir(const std::string& tag) {
