@@ -34,5 +34,3 @@ BENCHMARK_CAPTURE(BM_PolynomialBaseline, naphthoic_acid, std::string("naphtoicAc
     ->Unit(benchmark::kMillisecond);
 
 }  // namespace
-
-BENCHMARK_MAIN();

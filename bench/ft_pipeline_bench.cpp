@@ -42,5 +42,3 @@ BENCHMARK(BM_CyclosporinHsqcBothDimensions)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace zolt
-
-BENCHMARK_MAIN();

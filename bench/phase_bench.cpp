@@ -51,5 +51,3 @@ void BM_AutoPhaseAspirinAlternative(benchmark::State& state) {
 BENCHMARK(BM_AutoPhaseAspirinAlternative)->Unit(benchmark::kMillisecond);
 
 }  // namespace
-
-BENCHMARK_MAIN();

@@ -1,6 +1,7 @@
 #include "test_data.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -12,11 +13,45 @@
 #include "io/bruker/bruker_reader.h"
 #include "io/raw_loader.h"
 #include "processing/ft_pipeline.h"
+#include "processing/local_maxima.h"
 
 namespace zolt::testdata {
 
-std::string root() {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string findRoot() {
+    if (const char* env = std::getenv("ZOLT_TESTDATA_DIR"); env && *env) return env;
+    if (readable(ZOLT_TESTDATA_DIR)) return ZOLT_TESTDATA_DIR;
+    std::vector<fs::path> candidates;
+    std::error_code ec;
+    const fs::path program = fs::read_symlink("/proc/self/exe", ec);
+    if (!ec) {
+        candidates.push_back(program.parent_path() / "testdata");
+        candidates.push_back(program.parent_path().parent_path() / "testdata");
+    }
+    const fs::path here = fs::current_path(ec);
+    if (!ec) {
+        candidates.push_back(here / "testdata");
+        candidates.push_back(here / "build" / "testdata");
+    }
+    for (const auto& c : candidates)
+        if (readable(c.string())) return c.lexically_normal().string();
     return ZOLT_TESTDATA_DIR;
+}
+
+}  // namespace
+
+bool readable(const std::string& folder) {
+    std::error_code ec;
+    fs::directory_iterator listing(folder, ec);
+    return !ec;
+}
+
+std::string root() {
+    static const std::string found = findRoot();
+    return found;
 }
 
 std::string bruker(const std::string& name) {
@@ -41,14 +76,6 @@ std::string bruker(const std::string& name) {
 
 std::string shared(const std::string& relative) {
     return std::string(ZOLT_SHARED_TESTDATA_DIR) + "/" + relative;
-}
-
-std::string cliPath() {
-#ifdef ZOLT_CLI_PATH
-    return ZOLT_CLI_PATH;
-#else
-    return "zolt-cli";
-#endif
 }
 
 std::string freshTempDir(const std::string& tag) {
@@ -136,27 +163,14 @@ std::vector<Peak> strongestPeaks(const SpectrumMatrix& m, size_t count, bool mod
                                  size_t margin) {
     const int direct = directAxis(m);
     const size_t nx = m.dims[direct].points, ny = direct == 2 ? m.dims[1].points : 1;
-    const size_t my = ny > 1 ? margin : 0;
-    auto at = [&](size_t y, size_t x) {
+    auto at = [&](size_t y, size_t x) -> double {
         const size_t i = pointIndex(m, y, x);
         return modulus ? std::hypot(m.re[i], m.im[i]) : std::fabs(m.re[i]);
     };
     std::vector<Peak> peaks;
-    for (size_t y = my; y + my < ny; ++y)
-        for (size_t x = margin; x + margin < nx; ++x) {
-            const double v = at(y, x);
-            bool top = v > 0.0;
-            for (int a = -1; a <= 1 && top; ++a) {
-                if ((y == 0 && a < 0) || y + a >= ny) continue;
-                for (int b = -1; b <= 1 && top; ++b)
-                    if ((a || b) && at(y + a, x + b) > v) top = false;
-            }
-            if (top)
-                peaks.push_back({y, x, direct == 2 ? ppmOfPoint(m.dims[1], double(y)) : 0.0,
-                                 ppmOfPoint(m.dims[direct], double(x)), v});
-        }
-    std::sort(peaks.begin(), peaks.end(), [](auto& a, auto& b) { return a.height > b.height; });
-    if (peaks.size() > count) peaks.resize(count);
+    for (const auto& top : strongestLocalMaxima(at, ny, nx, ny > 1 ? margin : 0, margin, count))
+        peaks.push_back({top.i1, top.i2, direct == 2 ? ppmOfPoint(m.dims[1], double(top.i1)) : 0.0,
+                         ppmOfPoint(m.dims[direct], double(top.i2)), top.value});
     return peaks;
 }
 

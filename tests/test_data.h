@@ -12,8 +12,13 @@
 
 namespace zolt::testdata {
 
-// The unpacked data packages (build/testdata).
+// The unpacked data packages, looked up at run time: ZOLT_TESTDATA_DIR from the environment;
+// else the folder configured at build time when it can be listed; else a "testdata" folder
+// beside the program or one level above it (build/testdata beside build/<tree>), or in the
+// current folder or its build/ folder; else the configured folder, readable or not.
 std::string root();
+// The folder can be listed.
+bool readable(const std::string& folder);
 // The experiment folder of a bruker-data-test set by its short name:
 // "aspirin-1h", "aspirin-1h-processed", "naphtoicAcid-1h", "strychnine-1h", "cyclosporin-1h",
 // "cyclosporin-cosy", "cyclosporin-hsqc", "cyclosporin-hmbc", "inversion-recovery",
@@ -21,7 +26,8 @@ std::string root();
 std::string bruker(const std::string& name);
 // The project's shared test data (Varian folders).
 std::string shared(const std::string& relative);
-// The zolt-cli program built beside the tests.
+// The zolt-cli program built beside the tests. Defined only in the test programs of the folders
+// that CMakeLists.txt lists as running it: those are built after it.
 std::string cliPath();
 // A fresh empty folder under the system's temporary folder.
 std::string freshTempDir(const std::string& tag);

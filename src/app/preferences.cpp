@@ -101,20 +101,17 @@ const std::array<PreferenceFlagName, 21>& preferenceFlagNames() {
 Preferences loadPreferences(const SettingsStore& store, const StartupScriptCheck& check) {
     Preferences p;
 
-    uint32_t read = 0;
-    bool anyStored = false;
-    for (const auto& f : preferenceFlagNames()) {
-        auto b = store.bytes(f.name);
-        if (b) anyStored = true;
-        if (b && b->size() == 1 && (*b)[0] != 0) read |= f.bit;
-    }
-    if (read != 0) {
+    // A store that cannot be opened keeps the default flags. Otherwise the switches read replace
+    // them, even when none is on; only then may the word packed by older installations stand in.
+    if (!store.empty()) {
+        uint32_t read = 0;
+        for (const auto& f : preferenceFlagNames()) {
+            auto b = store.bytes(f.name);
+            if (b && b->size() == 1 && (*b)[0] != 0) read |= f.bit;
+        }
         p.flags = (p.flags & pref_flags::kRunTime) | read;
-    } else if (auto legacy = readWord(store, kLegacyFlags)) {
-        // Older installations kept the whole word packed in one value.
-        p.flags = *legacy;
-    } else if (anyStored) {
-        p.flags &= pref_flags::kRunTime;  // every switch stored, and every one off
+        if (read == 0)
+            if (auto legacy = readWord(store, kLegacyFlags)) p.flags = *legacy;
     }
 
     if (auto b = store.bytes(kOptionBytes); b && b->size() == p.optionBytes.size())

@@ -72,7 +72,9 @@ struct Preferences {
 // returns the flags with that bit set or cleared.
 using StartupScriptCheck = std::function<uint32_t(Preferences&)>;
 
-// Defaults, overridden by whatever the store holds; store failures keep the defaults.
+// Defaults, overridden by what the store holds. Once anything at all is stored, the stored
+// switches replace the default ones (a switch not stored is off); a missing or damaged value
+// keeps its default.
 Preferences loadPreferences(const SettingsStore& store, const StartupScriptCheck& check = {});
 void savePreferences(const Preferences& prefs, SettingsStore& store);
 

@@ -30,6 +30,8 @@ public:
     std::optional<std::string> text(std::string_view name) const;
     std::optional<std::string> bytes(std::string_view name) const;
     bool contains(std::string_view name) const { return read(fullName(name)).has_value(); }
+    // Nothing stored under any name: the user's key was never written and cannot be opened.
+    virtual bool empty() const = 0;
 
     void setInteger(std::string_view name, int64_t value);
     void setText(std::string_view name, std::string_view value);
@@ -56,6 +58,7 @@ private:
 class MemorySettingsStore : public SettingsStore {
 public:
     const std::map<std::string, SettingValue>& values() const { return values_; }
+    bool empty() const override { return values_.empty(); }
 
 protected:
     std::optional<SettingValue> read(const std::string& fullName) const override;

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QSettings>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 namespace zolt {
@@ -21,6 +22,10 @@ QtSettingsStore::QtSettingsStore(const std::string& iniPath)
     : settings_(std::make_unique<QSettings>(toQt(iniPath), QSettings::IniFormat)) {}
 
 QtSettingsStore::~QtSettingsStore() = default;
+
+bool QtSettingsStore::empty() const {
+    return settings_->allKeys().isEmpty();
+}
 
 std::optional<SettingValue> QtSettingsStore::read(const std::string& fullName) const {
     const QVariant v = settings_->value(toQt(fullName));

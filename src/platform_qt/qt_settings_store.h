@@ -17,6 +17,8 @@ public:
     explicit QtSettingsStore(const std::string& iniPath);
     ~QtSettingsStore() override;
 
+    bool empty() const override;
+
 protected:
     std::optional<SettingValue> read(const std::string& fullName) const override;
     void write(const std::string& fullName, const SettingValue& value) override;

@@ -77,6 +77,34 @@ TEST(Preferences, FlagValuesMustBeExactlyOneNonZeroByte) {
     EXPECT_EQ(p.flags, pref_flags::kShowPlan | pref_flags::kCallOpenBabel);
 }
 
+TEST(Preferences, StoredSwitchesReplaceTheDefaultSwitchesOnceAnythingIsStored) {
+    // A store that holds other values only: every switch reads as off, defaults included.
+    MemorySettingsStore others;
+    others.setBytes("MHz", le32(0x44160000));  // 600.0f
+    const Preferences p = loadPreferences(others);
+    EXPECT_EQ(p.flags, pref_flags::kCallOpenBabel);
+    EXPECT_FLOAT_EQ(p.spectrometerMhz, 600.0f);
+
+    // One switch on: the default switches are not merged in.
+    MemorySettingsStore one;
+    one.setBytes("DoBackUp", std::string(1, '\1'));
+    EXPECT_EQ(loadPreferences(one).flags, pref_flags::kDoBackUp | pref_flags::kCallOpenBabel);
+}
+
+TEST(Preferences, LegacyPackedFlagsStandInOnlyWhenNoSwitchIsOn) {
+    const uint32_t old = pref_flags::kShowPlan | pref_flags::kReadProcessedData;
+    // Every switch stored off: the packed word is used.
+    MemorySettingsStore allOff;
+    for (const auto& f : preferenceFlagNames()) allOff.setBytes(f.name, std::string(1, '\0'));
+    allOff.setBytes("2012 flags", le32(old));
+    EXPECT_EQ(loadPreferences(allOff).flags, old | pref_flags::kCallOpenBabel);
+
+    // A packed word of the wrong length cannot be read: no switch is on, and none comes back.
+    MemorySettingsStore damaged;
+    damaged.setBytes("2012 flags", le32(old).substr(0, 3));
+    EXPECT_EQ(loadPreferences(damaged).flags, pref_flags::kCallOpenBabel);
+}
+
 TEST(Preferences, SavedValuesLoadBackAndUnsetStringsAreRemoved) {
     MemorySettingsStore store;
     store.setText("font for notes", "Courier");

@@ -1,0 +1,151 @@
+// Automatic phase correction of 2-D spectra: the peak criterion on the rows and columns through
+// the strongest cross peaks.
+#include <cmath>
+#include <numbers>
+
+#include "processing/auto_phase.h"
+#include "processing/kernels.h"
+#include "processing/local_maxima.h"
+#include "processing/phase.h"
+#include "processing/phase_criteria.h"
+
+namespace zolt {
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+// A cross peak's row and column must hold its whole line for the peak criterion.
+constexpr size_t kPeakMargin = kPhaseHalfLine + 2;
+
+// The four hypercomplex components of a 2-D matrix with halves: inside each half re/im pair
+// along f1; the second half holds the f2-imaginary parts.
+struct Quadrants {
+    const SpectrumMatrix& m;
+    size_t half, stride1, stride2;
+    size_t at(size_t i1, size_t i2) const { return i1 * stride1 + i2 * stride2; }
+    float rr(size_t i) const { return m.re[i]; }
+    float ri(size_t i) const { return m.im[i]; }
+    float ir(size_t i) const { return m.re[i + half]; }
+    float ii(size_t i) const { return m.im[i + half]; }
+    double power(size_t i) const {
+        return double{rr(i)} * rr(i) + double{ri(i)} * ri(i) + double{ir(i)} * ir(i) +
+               double{ii(i)} * ii(i);
+    }
+};
+
+// The complex vectors along one axis through each peak, combined from the two quadrant pairs
+// of that axis with the peak point's own weights so that the other axis' phase drops out.
+AutoPhaseResult phaseAlong(const Quadrants& q, const std::vector<LocalMaximum>& peaks, bool direct,
+                           size_t n) {
+    std::vector<std::vector<float>> re(peaks.size(), std::vector<float>(n)),
+        im(peaks.size(), std::vector<float>(n));
+    std::vector<PhaseSlice> slices;
+    for (size_t p = 0; p < peaks.size(); ++p) {
+        const size_t i1 = peaks[p].i1, i2 = peaks[p].i2, at = q.at(i1, i2);
+        // Along f2 the pairs are (rr, ir) and (ri, ii), weighted by the f1 components; along f1
+        // (rr, ri) and (ir, ii), weighted by the f2 components.
+        double wa = q.rr(at), wb = direct ? q.ri(at) : q.ir(at);
+        const double oa = direct ? q.ir(at) : q.ri(at), ob = q.ii(at);
+        if (oa * oa + ob * ob > wa * wa + wb * wb) {
+            wa = oa;
+            wb = ob;
+        }
+        for (size_t k = 0; k < n; ++k) {
+            const size_t i = direct ? q.at(i1, k) : q.at(k, i2);
+            if (direct) {
+                re[p][k] = static_cast<float>(wa * q.rr(i) + wb * q.ri(i));
+                im[p][k] = static_cast<float>(wa * q.ir(i) + wb * q.ii(i));
+            } else {
+                re[p][k] = static_cast<float>(wa * q.rr(i) + wb * q.ir(i));
+                im[p][k] = static_cast<float>(wa * q.ri(i) + wb * q.ii(i));
+            }
+        }
+        slices.push_back({re[p].data(), im[p].data(), direct ? i2 : i1});
+    }
+    return estimatePhaseFromSlices(slices, n);
+}
+
+// Without halves the real and imaginary arrays hold the complex pairs of f1, the axis
+// transformed last; the f2 imaginary parts went into the f1 recombination. Only f1 can be
+// phased: its columns through the strongest peaks (local maxima of the modulus) are given to
+// the asymmetry criterion, which does not mind the sign of a line.
+AutoPhase2DResult phaseIndirectOnly(SpectrumMatrix& m, int highestTIndex, size_t maxPeaks) {
+    const size_t n1 = m.dims[1].points, n2 = m.dims[2].points, total = m.pointCount();
+    const size_t s1 = axisWalk(m, 1, total).inner, s2 = axisWalk(m, 2, total).inner;
+    const auto power = [&](size_t i1, size_t i2) {
+        const size_t i = i1 * s1 + i2 * s2;
+        return double{m.re[i]} * m.re[i] + double{m.im[i]} * m.im[i];
+    };
+    AutoPhase2DResult result;
+    const auto peaks = strongestLocalMaxima(power, n1, n2, kPeakMargin, 1, maxPeaks);
+    if (peaks.empty()) return result;
+    const size_t keep = peaks.size();
+    std::vector<std::vector<float>> re(keep, std::vector<float>(n1)),
+        im(keep, std::vector<float>(n1));
+    std::vector<PhaseSlice> slices;
+    for (size_t p = 0; p < keep; ++p) {
+        for (size_t k = 0; k < n1; ++k) {
+            re[p][k] = m.re[k * s1 + peaks[p].i2 * s2];
+            im[p][k] = m.im[k * s1 + peaks[p].i2 * s2];
+        }
+        slices.push_back({re[p].data(), im[p].data(), peaks[p].i1});
+    }
+    result.indirect = estimatePhaseFromSlices(slices, n1);
+    changePhase(m, highestTIndex, 1, result.indirect.delta0, result.indirect.delta1);
+    // The asymmetry cannot tell a plane from its negative; the strongest peaks are taken to be
+    // mostly upright.
+    double upright = 0.0;
+    for (const auto& p : peaks) upright += m.re[p.i1 * s1 + p.i2 * s2];
+    if (upright < 0.0) {
+        changePhase(m, highestTIndex, 1, kPi, 0.0);
+        result.indirect.delta0 += kPi;
+    }
+    return result;
+}
+
+}  // namespace
+
+std::optional<AutoPhase2DResult> autoPhase2D(SpectrumMatrix& m, int highestTIndex,
+                                             size_t maxPeaks) {
+    if (m.realOnly()) return std::nullopt;
+    if (!hasHypercomplexHalves(m)) {
+        const size_t total = m.pointCount();
+        if (m.dims[3].points > 1 || highestTIndex >= 1 || m.dims[1].points < 2 ||
+            m.dims[2].points < 2 || m.re.size() < total || m.im.size() < total)
+            return std::nullopt;
+        if (m.state & matrix_state::kMagnitude) {
+            togglePolar(m.re.data(), m.im.data(), total, false);
+            m.state &= ~matrix_state::kMagnitude;
+        }
+        return phaseIndirectOnly(m, highestTIndex, maxPeaks);
+    }
+    if (halvesComplexAxis(m) != 1) return std::nullopt;
+    const size_t n1 = m.dims[1].points, n2 = m.dims[2].points;
+    const size_t total = m.pointCount();
+    if (m.dims[3].points > 1 || highestTIndex >= 1 || m.re.size() < total || m.im.size() < total)
+        return std::nullopt;
+    if (m.state & matrix_state::kMagnitude) {
+        togglePolar(m.re.data(), m.im.data(), total, false);
+        m.state &= ~matrix_state::kMagnitude;
+    }
+    const size_t half = total / 2;
+    const Quadrants q{m, half, axisWalk(m, 1, half).inner, axisWalk(m, 2, half).inner};
+    const auto power = [&](size_t i1, size_t i2) { return q.power(q.at(i1, i2)); };
+    const auto peaks = strongestLocalMaxima(power, n1, n2, kPeakMargin, kPeakMargin, maxPeaks);
+    AutoPhase2DResult result;
+    if (peaks.empty()) return result;
+    result.direct = phaseAlong(q, peaks, true, n2);
+    changePhase(m, highestTIndex, 2, result.direct.delta0, result.direct.delta1);
+    result.indirect = phaseAlong(q, peaks, false, n1);
+    changePhase(m, highestTIndex, 1, result.indirect.delta0, result.indirect.delta1);
+    // The asymmetry cannot tell a plane from its negative (a half turn along one axis); the
+    // strongest peaks are taken to be mostly upright.
+    double upright = 0.0;
+    for (const auto& p : peaks) upright += q.rr(q.at(p.i1, p.i2));
+    if (upright < 0.0) {
+        changePhase(m, highestTIndex, 1, kPi, 0.0);
+        result.indirect.delta0 += kPi;
+    }
+    return result;
+}
+
+}  // namespace zolt
