@@ -61,7 +61,7 @@ int createTemporary(const std::string& path, std::string& temporary) {
 }
 
 void syncFolderOf(const std::string& path) {
-    std::string folder = fromPath(toPath(path).parent_path());
+    std::filesystem::path folder = toPath(path).parent_path();
     if (folder.empty()) folder = ".";
     const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd < 0) return;
