@@ -5,6 +5,7 @@
 
 #include "processing/baseline.h"
 #include "processing/ft_pipeline.h"
+#include "processing/ft_step.h"
 
 namespace zolt {
 
@@ -18,6 +19,7 @@ int rawHighestTIndex(int savedTIndex, uint32_t doneMask) {
 std::optional<Message> replayProcessing(SpectrumDocument& doc, bool run) {
     ProcessingRecord saved = std::move(doc.processing);
     doc.processing = {};
+    for (ProcessingStep& step : saved.steps) boundReplayedStep(step);
     doc.source.highestTIndex =
         static_cast<int8_t>(rawHighestTIndex(doc.source.highestTIndex, saved.doneMask));
     if (!run) {
@@ -48,6 +50,16 @@ std::optional<Message> replayProcessing(SpectrumDocument& doc, bool run) {
     doc.processing.steps = std::move(saved.steps);
     doc.processing.doneMask |= saved.doneMask;
     return message;
+}
+
+void boundReplayedStep(ProcessingStep& step) {
+    if (auto* ft = std::get_if<FourierTransformStep>(&step.data)) {
+        // Below the smallest size the axis is left untransformed: that choice stays.
+        if (ft->ftSize > kMaxFtSize) ft->ftSize = kMaxFtSize;
+        if (ft->ftSize >= kMinFtSize) clampFourierTransformStep(*ft);
+    } else if (auto* b = std::get_if<BaseplaneStep>(&step.data)) {
+        if (b->function != 0) b->order = std::min<uint8_t>(b->order, kMaxBaselineOrder);
+    }
 }
 
 }  // namespace zolt

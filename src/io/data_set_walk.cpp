@@ -1,7 +1,11 @@
 #include "io/data_set_walk.h"
 
+#include <sys/stat.h>
+
 #include <filesystem>
+#include <set>
 #include <string_view>
+#include <utility>
 
 #include "base/paths.h"
 #include "io/companion_document.h"
@@ -12,8 +16,18 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Sub-folders deeper than this are not searched (a guard against link loops).
+// Sub-folders deeper than this are not searched.
 constexpr int kMaxFolderDepth = 8;
+
+// A folder is known by its device and inode, whatever links lead to it: each real folder is
+// searched once, so that a loop of symbolic links cannot multiply the walk.
+using FolderIdentity = std::pair<dev_t, ino_t>;
+
+bool firstVisit(const fs::path& folder, std::set<FolderIdentity>& seen) {
+    struct stat st {};
+    if (::stat(folder.c_str(), &st) != 0) return false;
+    return seen.insert({st.st_dev, st.st_ino}).second;
+}
 
 // Saved documents are opened by the document layer, everything else by its row's reader.
 bool opens(FormatCode code, std::span<const ReaderRow> rows) {
@@ -23,14 +37,15 @@ bool opens(FormatCode code, std::span<const ReaderRow> rows) {
 }
 
 bool walk(const fs::path& folder, int depth, const std::function<bool(const std::string&)>& visit,
-          std::span<const ReaderRow> rows) {
+          std::span<const ReaderRow> rows, std::set<FolderIdentity>& seen) {
+    if (!firstVisit(folder, seen)) return true;
     std::error_code ec;
     for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
         const fs::path& p = it->path();
         if (it->is_directory(ec)) {
             if (isDataSetFolder(fromPath(p), rows)) {
-                if (!visit(fromPath(p))) return false;
-            } else if (depth < kMaxFolderDepth && !walk(p, depth + 1, visit, rows)) {
+                if (firstVisit(p, seen) && !visit(fromPath(p))) return false;
+            } else if (depth < kMaxFolderDepth && !walk(p, depth + 1, visit, rows, seen)) {
                 return false;
             }
         } else if (!hasCompanionDocument(fromPath(p)) &&
@@ -62,7 +77,8 @@ std::string dataFileOf(const std::string& folder) {
 
 void walkDataSets(const std::string& folder, const std::function<bool(const std::string&)>& visit,
                   std::span<const ReaderRow> rows) {
-    walk(toPath(folder), 0, visit, rows);
+    std::set<FolderIdentity> seen;
+    walk(toPath(folder), 0, visit, rows, seen);
 }
 
 std::string withoutDataSetExtension(std::string name) {

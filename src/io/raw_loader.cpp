@@ -304,12 +304,14 @@ std::optional<SpectrumMatrix> loadMatrix(const SpectrumSource& source) {
     sh.realOnly = flags & kRealOnly;
     sh.interleaved = flags & kInterleaved;
     sh.imSign = (flags & kComplexConjugate) ? -1.0f : 1.0f;
-    if (!sh.realOnly && sh.points * 2 > kMaxFloats) return std::nullopt;
     sh.rowPoints = m.dims[m.contiguous].points;
     sh.rows = sh.points / sh.rowPoints;
 
     const int x = source.xIndex >= 1 && source.xIndex <= 3 ? source.xIndex : m.contiguous;
     const bool oneD = m.dimensions <= 1;
+    // Every array the matrix gets counts, the work row of 1-D data included.
+    const uint64_t floats = sh.points * (sh.realOnly ? 1 : 2) + (oneD ? m.dims[x].points : 0);
+    if (floats > kMaxFloats) return std::nullopt;
 
     RawInput in;
     if (!openInput(source, in)) return std::nullopt;

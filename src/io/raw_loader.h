@@ -47,7 +47,8 @@ namespace zolt {
 inline constexpr const char* kReadErrorCaption = "Failed to Read the file";
 inline constexpr const char* kReadErrorText = "Error found while trying to read data-points";
 
-// Largest matrix the loader builds, in bytes of floats (guards hostile point counts).
+// Largest matrix the loader builds, in bytes of floats over all its arrays, the work row of
+// 1-D data included (guards hostile point counts and huge files of unstated size).
 inline constexpr size_t kMaxMatrixBytes = size_t{4} << 30;
 
 // nullopt when the file is missing, too short or its sizes are out of bounds, and for

@@ -17,6 +17,10 @@ namespace zolt {
 inline constexpr const char* kInsufficientPointsCaption = "Insufficient number of points";
 inline constexpr const char* kInsufficientPointsText = "Try reducing the order of the polynomial";
 
+// Highest polynomial order the baseline dialog and `poly` offer: the fit's work grows with the
+// square of the order, so a saved step asks for no more.
+inline constexpr int kMaxBaselineOrder = 7;
+
 // Limit under which a diagonal element of R counts as zero in the polynomial fit.
 inline constexpr double kQrZeroLimit = 1.1920928955078125e-7;
 
@@ -43,14 +47,13 @@ std::vector<double> fitBaselinePolynomial(const float* row, const uint8_t* mask,
 // autosampling is carried from row to row. Returns the message when the polynomial order asks
 // for more points than the row has; the data are then unchanged.
 std::optional<Message> correctBaseline(SpectrumMatrix& m, int fIndex,
-                                               const BaseplaneStep& settings);
+                                       const BaseplaneStep& settings);
 // The same on a document, recording the baseplane step (kind 4) when it ran.
 std::optional<Message> correctBaseline(SpectrumDocument& doc, int fIndex,
-                                               const BaseplaneStep& settings);
+                                       const BaseplaneStep& settings);
 // 2-D and 3-D: row-wise along the direct axis, then along each indirect axis in decreasing
 // f-index, one recorded step per axis. Stops at the first message.
-std::optional<Message> correctBaseplane(SpectrumDocument& doc,
-                                                const BaseplaneStep& settings);
+std::optional<Message> correctBaseplane(SpectrumDocument& doc, const BaseplaneStep& settings);
 
 // Subtracts the polynomial with explicit coefficients (over normalisedAbscissa of the whole
 // axis) from every row along fIndex.
