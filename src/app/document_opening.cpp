@@ -46,6 +46,10 @@ std::unique_ptr<SpectrumDocument> readSavedDocument(const std::string& documentP
 std::unique_ptr<SpectrumDocument> readDocument(const std::string& path, const Preferences& prefs,
                                                Message& failure,
                                                std::span<const ReaderRow> readers) {
+    if (!pathExists(path)) {
+        failure = {kReadErrorCaption, kMissingPathText};
+        return nullptr;
+    }
     // A folder is recognised by what lies inside it.
     const std::string member = isDirectory(path) ? dataFileOf(path) : path;
     RecognitionOptions recognition;

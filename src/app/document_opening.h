@@ -18,12 +18,13 @@ inline constexpr const char* kTooManyText = "you can't exceed the maximum of 30"
 inline constexpr const char* kNothingRecognisedCaption = "Complete Failure: no file was recognized";
 inline constexpr const char* kNothingRecognisedText =
     "Hint: try starting from an outer or an inner folder";
+inline constexpr const char* kMissingPathText = "This file or folder does not exist";
 // Path components a window name keeps.
 inline constexpr int kWindowNameDepth = 3;
 
 // A file, or an experiment folder, read by its format's row of `readers`, completed and loaded,
 // with the default FT steps of its time-domain axes; a saved document read again with its
-// processing. Nothing, and the message to show, when it cannot be read.
+// processing. Nothing, and the message to show, when it cannot be read or does not exist.
 std::unique_ptr<SpectrumDocument> readDocument(const std::string& path, const Preferences& prefs,
                                                Message& failure,
                                                std::span<const ReaderRow> readers = readerTable());

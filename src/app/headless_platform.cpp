@@ -5,6 +5,7 @@ namespace zolt {
 MessageAnswer HeadlessPlatform::messageBox(std::string_view caption, std::string_view text,
                                            MessageButtons buttons) {
     err_ << caption << ": " << text << '\n' << std::flush;
+    ++messagesShown_;
     return defaultAnswer(buttons);
 }
 

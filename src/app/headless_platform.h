@@ -12,7 +12,7 @@ public:
     HeadlessPlatform(std::ostream& out = std::cout, std::ostream& err = std::cerr)
         : out_(out), err_(err) {}
 
-    // Writes "caption: text" and takes the default answer: nobody is there to choose.
+    // Writes "caption: text", counts it and takes the default answer: nobody is there to choose.
     MessageAnswer messageBox(std::string_view caption, std::string_view text,
                              MessageButtons buttons) override;
     std::string clipboardText() override { return clipboard_; }
@@ -20,11 +20,14 @@ public:
     void beep() override {}
     // Prints the path: the user opens it themselves.
     void openWithSystem(const std::string& path) override;
+    // Message boxes shown so far: each one reports a failure to somebody who is not there.
+    size_t messagesShown() const { return messagesShown_; }
 
 private:
     std::ostream& out_;
     std::ostream& err_;
     std::string clipboard_;
+    size_t messagesShown_ = 0;
 };
 
 }  // namespace zolt

@@ -47,16 +47,20 @@ std::optional<RunOptions> parseRunArguments(const std::vector<std::string>& args
     return o;
 }
 
-int runInApplication(Application& app, const RunOptions& options, std::ostream& out,
-                     std::ostream& err) {
+int runInApplication(Application& app, const HeadlessPlatform& platform, const RunOptions& options,
+                     std::ostream& out, std::ostream& err) {
     int status = 0;
     app.setLogListener([&](std::string_view line) { out << line << '\n' << std::flush; });
     for (const auto& path : options.paths)
         if (app.open(path) == 0) status = 1;
     ScriptHost& host = app.scriptHost();
+    const auto run = [&](const std::string& chunk, const std::string& name) {
+        const size_t shown = platform.messagesShown();
+        if (!host.runChunk(chunk, name) || platform.messagesShown() != shown) status = 1;
+    };
     for (const auto& item : options.items) {
         if (!item.isFile) {
-            if (!host.runChunk(item.text, kInputChunkName)) status = 1;
+            run(item.text, kInputChunkName);
             continue;
         }
         auto text = readText(item.text);
@@ -66,7 +70,7 @@ int runInApplication(Application& app, const RunOptions& options, std::ostream& 
             continue;
         }
         const std::string name = std::filesystem::path(item.text).stem().string();
-        if (!host.runChunk(*text, name)) status = 1;
+        run(*text, name);
     }
     if (options.save)
         for (SpectrumDocument* doc : app.documents())
@@ -87,7 +91,7 @@ int runRunCommand(const std::vector<std::string>& args, std::ostream& out, std::
     HeadlessPlatform platform(out, err);
     QtSettingsStore settings;
     Application app(platform, loadPreferences(settings));
-    return runInApplication(app, *options, out, err);
+    return runInApplication(app, platform, *options, out, err);
 }
 
 }  // namespace zolt

@@ -9,6 +9,7 @@
 namespace zolt {
 
 class Application;
+class HeadlessPlatform;
 
 inline constexpr const char* kRunUsage =
     "usage: zolt-cli run [-e CHUNK | SCRIPT.lua]... [PATH...]\n"
@@ -41,9 +42,11 @@ struct RunOptions {
 // nullopt for a malformed command line.
 std::optional<RunOptions> parseRunArguments(const std::vector<std::string>& args);
 
-// Opens the paths and runs the items in the application; the exit status.
-int runInApplication(Application& app, const RunOptions& options, std::ostream& out,
-                     std::ostream& err);
+// Opens the paths and runs the items in the application; the exit status: 1 when a path could
+// not be opened, or an item raised a Lua error or made the program show a message box on
+// `platform` (the application's), whose failure nobody saw.
+int runInApplication(Application& app, const HeadlessPlatform& platform, const RunOptions& options,
+                     std::ostream& out, std::ostream& err);
 
 // args: everything after "run".
 int runRunCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);

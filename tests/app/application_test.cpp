@@ -64,6 +64,14 @@ TEST(Application, OpeningReportsWhatFails) {
     EXPECT_EQ(app.open(dir + "/notes.dat"), 0);
     EXPECT_EQ(platform.boxes.back().caption, "Failed to Read the file");
     EXPECT_EQ(platform.boxes.back().text, "This format is unknown");
+    // A path that is not there says so, whether it names a file or a folder.
+    for (const std::string& missing : {dir + "/fid", dir + "/gone/", std::string("/no/such/1")}) {
+        SCOPED_TRACE(missing);
+        EXPECT_EQ(app.open(missing), 0);
+        EXPECT_EQ(platform.boxes.back().caption, "Failed to Read the file");
+        EXPECT_EQ(platform.boxes.back().text, "This file or folder does not exist");
+    }
+    EXPECT_EQ(platform.boxes.size(), 5u);
 }
 
 TEST(Application, ThirtyDocumentsAtMost) {

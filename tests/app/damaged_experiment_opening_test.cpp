@@ -20,11 +20,14 @@ namespace fs = std::filesystem;
 // the raw file cut to `rawBytes` (all of it when npos).
 class DamagedCopy {
 public:
-    DamagedCopy(const std::string& name, const std::string& rawName, size_t rawBytes)
+    // With `processed`, the spectrometer's processed data (pdata) come along.
+    DamagedCopy(const std::string& name, const std::string& rawName, size_t rawBytes,
+                bool processed = false)
         : original_(testdata::bruker(name)), dir_(testdata::freshTempDir("damaged")) {
         for (const char* file : {"acqus", "acqu2s", "pulseprogram"})
             if (fs::exists(original_ + "/" + file))
                 fs::copy_file(original_ + "/" + file, dir_ + "/" + file);
+        if (processed) fs::copy(original_ + "/pdata", dir_ + "/pdata", fs::copy_options::recursive);
         raw_ = testdata::readFile(original_ + "/" + rawName);
         std::ofstream(dir_ + "/" + rawName, std::ios::binary) << raw_.substr(0, rawBytes);
     }
@@ -109,6 +112,18 @@ TEST(DamagedExperimentOpening, SerShorterThanOneRowIsIncoherent) {
         DamagedCopy copy("cyclosporin-cosy", "ser", bytes);
         Message failure;
         EXPECT_FALSE(copy.open(failure));
+        expectFailure(failure, "This Bruker file seems incoherent");
+    }
+}
+
+TEST(DamagedExperimentOpening, DamagedRawDataAreReportedNotReplacedByTheProcessedSpectrum) {
+    // A ser cut inside its first row, then one whose TD asks for rows longer than the file.
+    DamagedCopy cut("cyclosporin-cosy", "ser", 8191, true);
+    DamagedCopy td("cyclosporin-cosy", "ser", std::string::npos, true);
+    td.replace("acqus", "##$TD= 2048", "##$TD= 2147483648");
+    for (const DamagedCopy* copy : {&cut, &td}) {
+        Message failure;
+        EXPECT_FALSE(copy->open(failure));
         expectFailure(failure, "This Bruker file seems incoherent");
     }
 }

@@ -185,8 +185,9 @@ TEST(InfoCommand, UnreadablePathsAreReportedWhileTheOthersArePrinted) {
     std::filesystem::remove_all(dir);
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(lines(r.out).size(), 1u);
+    // A path that is not there says so rather than calling its format unknown.
     EXPECT_EQ(r.err,
-              "Failed to Read the file: This format is unknown\n"
+              "Failed to Read the file: This file or folder does not exist\n"
               "Failed to Read the file: This Bruker file seems incoherent\n");
 }
 

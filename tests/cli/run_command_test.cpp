@@ -72,6 +72,15 @@ TEST(RunCommand, ErrorsGiveANonZeroStatus) {
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.err, "Failed to Read the file: This format is unknown\n");
     EXPECT_EQ(r.out, "\n");  // numdim() gave nothing to print
+
+    // A failure shown as a message box inside a chunk fails the run, though the chunk goes on.
+    const std::string unknown = missing;
+    r = runCli({"-e", "open('" + unknown + "') print('after')"});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, "Failed to Read the file: This format is unknown\n");
+    EXPECT_EQ(r.out, "after\n");
+    r = runCli({"-e", "open('/no/such/folder') print('after')"});  // nothing to report
+    EXPECT_EQ(r.status, 0) << r.err;
 }
 
 TEST(RunCommand, UsageAndUnreadableScripts) {
