@@ -39,7 +39,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const size_t bodySize = size - 16;
     if (s.numberType == zolt::NumberType::InMemory) {
         s.memory.resize(bodySize / sizeof(float));
-        std::memcpy(s.memory.data(), body, s.memory.size() * sizeof(float));
+        // An empty buffer has no storage to copy into (memcpy may not be given null).
+        if (!s.memory.empty()) std::memcpy(s.memory.data(), body, s.memory.size() * sizeof(float));
     } else {
         static const std::string path = scratchPath();
         if (FILE* f = std::fopen(path.c_str(), "wb")) {
