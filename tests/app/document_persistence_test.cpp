@@ -6,9 +6,13 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
 
 #include "app/application.h"
 #include "app/recording_platform.h"
+#include "io/plist.h"
 #include "processing/auto_phase.h"
 #include "processing/baseline.h"
 #include "processing/ft_pipeline.h"
@@ -211,6 +215,31 @@ TEST_F(DocumentPersistence, ExportIntoAFolderThatCannotBeMadeReportsIt) {
     ASSERT_EQ(platform.boxes.size(), 1u);
     EXPECT_EQ(platform.boxes[0].caption, "There was a System Error");
     EXPECT_EQ(platform.boxes[0].text, "Failed to Create the File");
+}
+
+TEST_F(DocumentPersistence, KeysOfANewerProgramSurviveOpeningAndSaving) {
+    const std::string dir = copyOf("aspirin-1h");
+    {
+        Application app(platform);
+        ASSERT_EQ(app.open(dir), 1);
+        ASSERT_TRUE(app.scriptHost().runChunk("wft()", "input"));
+        ASSERT_TRUE(app.save(*app.frontDocument()));
+    }
+    const std::string path = dir + "/fid.zolt";
+    plist::Ref root(plist::read(testdata::readFile(path)));
+    ASSERT_TRUE(root);
+    plist::appendToArray(plist::setArray(root.get(), "clippings"), plist::createString("arrow"));
+    plist::appendToArray(plist::setArray(root.get(), "links"), plist::createString("c13.zolt"));
+    plist::setBoolean(root.get(), "run internal script", true);
+    plist::setBoolean(root.get(), "owns its overlays", true);
+    plist::setReal(root.get(), "~ a key from the future", 0.25);
+    const std::string foreign = plist::write(root.get());
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << foreign;
+
+    Application app(platform);
+    ASSERT_EQ(app.open(dir), 1);
+    ASSERT_TRUE(app.save(*app.frontDocument()));
+    EXPECT_EQ(testdata::readFile(path), foreign);
 }
 
 TEST_F(DocumentPersistence, CliRunSavesEveryDocumentInPlace) {
