@@ -1,6 +1,7 @@
 #include "base/files.h"
 
 #include <fcntl.h>
+#include <stdlib.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -60,15 +61,6 @@ int createTemporary(const std::string& path, std::string& temporary) {
     return -1;
 }
 
-void syncFolderOf(const std::string& path) {
-    std::filesystem::path folder = toPath(path).parent_path();
-    if (folder.empty()) folder = ".";
-    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) return;
-    ::fsync(fd);
-    ::close(fd);
-}
-
 }  // namespace
 
 std::optional<std::string> writeTemporaryBeside(const std::string& path, std::string_view text) {
@@ -81,6 +73,21 @@ std::optional<std::string> writeTemporaryBeside(const std::string& path, std::st
         return std::nullopt;
     }
     return temporary;
+}
+
+std::optional<std::string> createFolderBeside(const std::string& path) {
+    std::string name = path + ".XXXXXX";
+    if (!::mkdtemp(name.data())) return std::nullopt;
+    return name;
+}
+
+void syncFolderOf(const std::string& path) {
+    std::filesystem::path folder = toPath(path).parent_path();
+    if (folder.empty()) folder = ".";
+    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) return;
+    ::fsync(fd);
+    ::close(fd);
 }
 
 bool writeFileReplacing(const std::string& path, std::string_view text) {

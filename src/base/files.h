@@ -20,6 +20,12 @@ std::string readFileHead(const std::string& path, size_t bytes);
 // it to disk; its name, or nothing (and no file left) on failure. The caller renames it.
 std::optional<std::string> writeTemporaryBeside(const std::string& path, std::string_view text);
 
+// Creates a new empty folder beside path under a fresh name; its name, or nothing.
+std::optional<std::string> createFolderBeside(const std::string& path);
+
+// Flushes the folder holding path to disk, so that a rename in it survives a crash.
+void syncFolderOf(const std::string& path);
+
 // Writes the text to a new temporary file in the same folder, flushes it to disk and renames
 // it over path, so that a failure at any point leaves the old file as it was.
 bool writeFileReplacing(const std::string& path, std::string_view text);

@@ -66,6 +66,16 @@ void windowStateFromTree(const Value* w, SpectrumDocument& doc) {
     m.temperature = static_cast<float>(tree::number(w, "temperature").value_or(0.0));
 }
 
+bool isWindowStateKey(std::string_view key) {
+    static constexpr std::string_view kKeys[] = {
+        "page and margins", "free size",      "drawer",        "page number",
+        "window bounds",    "optional title", "ASCII formula", "SMILES string",
+        "solvent",          "pulse sequence", "temperature"};
+    for (std::string_view k : kKeys)
+        if (k == key) return true;
+    return false;
+}
+
 plist::Value* xyzIndexToTree(const SpectrumSource& source) {
     Value* xyz = plist::createArray();
     for (int8_t i : {source.xIndex, source.yIndex, source.zIndex}) plist::appendInteger(xyz, i);

@@ -2,6 +2,8 @@
 // and "pages".
 #pragma once
 
+#include <string_view>
+
 #include "io/plist.h"
 #include "model/spectrum_document.h"
 
@@ -10,6 +12,8 @@ namespace zolt {
 plist::Value* windowStateToTree(const SpectrumDocument& doc);
 // Restores the window state and the metadata; nothing changes without a dictionary.
 void windowStateFromTree(const plist::Value* windowState, SpectrumDocument& doc);
+// Whether windowStateToTree fills the key (whether or not it writes it for a given document).
+bool isWindowStateKey(std::string_view key);
 
 // The f-indices shown horizontally, vertically and as the third axis.
 plist::Value* xyzIndexToTree(const SpectrumSource& source);

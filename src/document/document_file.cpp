@@ -3,10 +3,12 @@
 #include <cstdio>
 #include <filesystem>
 #include <optional>
+#include <string_view>
 
 #include "base/files.h"
 #include "document/analysis_section.h"
 #include "document/display_section.h"
+#include "document/kept_keys.h"
 #include "document/processing_section.h"
 #include "document/source_section.h"
 #include "document/tree_reading.h"
@@ -20,6 +22,13 @@ using plist::Value;
 
 constexpr const char* kCreator = "Zolt for Linux";
 constexpr size_t kMaxDocumentBytes = size_t{64} << 20;
+
+// A document names its raw data by a bare name in its own folder; anything that could lead
+// elsewhere (a separator, "." or "..") makes the document incoherent.
+bool isBareName(const std::string& name) {
+    return name != "." && name != ".." &&
+           name.find_first_of(std::string_view("/\\\0", 3)) == std::string::npos;
+}
 
 // The saved raw file in the document's folder, or the document's own base name with the
 // saved file's extension (the data were renamed together with their document).
@@ -35,18 +44,40 @@ std::optional<std::string> locateRawData(const fs::path& document, const std::st
     return std::nullopt;
 }
 
+// The root keys filled from the document itself; every other key read is written back as read.
+bool isRootKey(std::string_view key) {
+    static constexpr std::string_view kKeys[] = {"window state",
+                                                 "spectroscopy",
+                                                 "processing parameters",
+                                                 "xyz index",
+                                                 "performed processing",
+                                                 "! read with version",
+                                                 "! write with version",
+                                                 "! creator",
+                                                 "! content",
+                                                 "! last use"};
+    for (std::string_view k : kKeys)
+        if (k == key) return true;
+    return false;
+}
+
 }  // namespace
 
 plist::Value* buildDocumentTree(const SpectrumDocument& doc) {
     Value* root = plist::createDictionary();
-    plist::addToDictionary(root, "window state", windowStateToTree(doc));
+    Value* window = windowStateToTree(doc);
+    addKeptKeys(window, keptEntry(doc, "window state"), isWindowStateKey);
+    plist::addToDictionary(root, "window state", window);
     const bool hasMatrix = !doc.matrix.re.empty();
-    plist::addToDictionary(root, "spectroscopy",
-                           sourceToTree(doc.source, hasMatrix ? &doc.matrix : nullptr));
-    plist::addToDictionary(root, "pages", pagesToTree());
+    Value* source = sourceToTree(doc.source, hasMatrix ? &doc.matrix : nullptr);
+    addKeptKeys(source, keptEntry(doc, "spectroscopy"), isSourceKey);
+    plist::addToDictionary(root, "spectroscopy", source);
+    // Lists not edited here yet: the file's own come back with the other kept keys.
+    if (!keptEntry(doc, "pages")) plist::addToDictionary(root, "pages", pagesToTree());
     plist::addToDictionary(root, "processing parameters", processingToTree(doc.processing));
-    plist::addToDictionary(root, "multiplets", multipletsToTree());
-    plist::addToDictionary(root, "peaks", peaksToTree());
+    if (!keptEntry(doc, "multiplets"))
+        plist::addToDictionary(root, "multiplets", multipletsToTree());
+    if (!keptEntry(doc, "peaks")) plist::addToDictionary(root, "peaks", peaksToTree());
     plist::addToDictionary(root, "xyz index", xyzIndexToTree(doc.source));
     if (doc.processing.doneMask)
         plist::addToDictionary(root, "performed processing", performedProcessingToTree(doc));
@@ -55,6 +86,7 @@ plist::Value* buildDocumentTree(const SpectrumDocument& doc) {
     plist::setString(root, "! creator", kCreator);
     plist::setString(root, "! content", "generic NMR spectrum");
     plist::setString(root, "! last use", kLastUseStamp);
+    addKeptKeys(root, doc.keptKeys ? doc.keptKeys->root.get() : nullptr, isRootKey);
     return root;
 }
 
@@ -64,23 +96,33 @@ std::string documentPathFor(const SpectrumDocument& doc) {
 
 SaveResult saveDocument(const SpectrumDocument& doc, const std::string& path, bool doBackUp) {
     const SaveResult failed{false, {kSystemErrorCaption, kSystemErrorText}};
+    std::error_code ec;
+    // The rename below would replace a link under the document's name with a plain file, and
+    // writing through it would reach whatever it points to: such a document is not saved.
+    if (fs::is_symlink(fs::symlink_status(path, ec))) return failed;
     plist::Ref tree(buildDocumentTree(doc));
     const std::string text = plist::write(tree.get());
     const std::optional<std::string> written = writeTemporaryBeside(path, text);
     if (!written) return failed;
     const std::string& temporary = *written;
-    std::error_code ec;
+    fs::path back = path;
+    back.replace_extension("back");
+    bool backedUp = false;
     if (doBackUp && fs::exists(path, ec)) {
-        fs::path back = path;
-        back.replace_extension("back");
         fs::remove(back, ec);
         if (ec) return std::remove(temporary.c_str()), failed;
         fs::rename(path, back, ec);
         if (ec) return std::remove(temporary.c_str()), failed;
+        backedUp = true;
     }
     // rename replaces an existing document in one step.
     fs::rename(temporary, path, ec);
-    if (ec) return std::remove(temporary.c_str()), failed;
+    if (ec) {
+        std::remove(temporary.c_str());
+        if (backedUp) fs::rename(back, path, ec);  // the previous version under its own name
+        return failed;
+    }
+    syncFolderOf(path);
     return {true, {}};
 }
 
@@ -96,7 +138,8 @@ DocumentRead readDocumentFile(const std::string& path) {
     if (!text) return incoherent();
     plist::Ref root(plist::read(*text));
     if (!root || root->kind != plist::Kind::Dictionary) return incoherent();
-    const int64_t readVersion = tree::integerOr(root.get(), "! read with version", 0);
+    // Compared as read, so that a real version too large for any integer is still refused.
+    const double readVersion = tree::number(root.get(), "! read with version").value_or(0.0);
     if (readVersion > kWriterVersion) {
         r.message.caption = kNewerVersionCaption;
         r.message.text = kNewerVersionText;
@@ -104,7 +147,7 @@ DocumentRead readDocumentFile(const std::string& path) {
     }
     std::optional<SpectrumSource> source =
         sourceFromTree(tree::child(root.get(), "spectroscopy", plist::Kind::Dictionary));
-    if (!source) return incoherent();
+    if (!source || !isBareName(source->fileName)) return incoherent();
     const std::optional<std::string> raw = locateRawData(path, source->fileName);
     if (!raw) return incoherent();
     source->rawPath = *raw;
@@ -113,9 +156,10 @@ DocumentRead readDocumentFile(const std::string& path) {
     r.document = std::make_unique<SpectrumDocument>();
     SpectrumDocument& doc = *r.document;
     doc.source = std::move(*source);
-    doc.readWithVersion = static_cast<int>(readVersion);
+    doc.keptKeys = keepKeys(root.get());
+    doc.readWithVersion = static_cast<int>(tree::integerOr(root.get(), "! read with version", 0));
     doc.writtenByNewerVersion =
-        tree::integerOr(root.get(), "! write with version", 0) > kWriterVersion;
+        tree::number(root.get(), "! write with version").value_or(0.0) > kWriterVersion;
     windowStateFromTree(tree::child(root.get(), "window state", plist::Kind::Dictionary), doc);
     if (!processingFromTree(
             tree::child(root.get(), "processing parameters", plist::Kind::Dictionary),

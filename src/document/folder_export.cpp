@@ -1,10 +1,15 @@
 #include "document/folder_export.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <bit>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <optional>
 
+#include "base/files.h"
 #include "document/document_file.h"
 #include "processing/dimension_rotation.h"
 
@@ -47,22 +52,53 @@ bool writeSamples(const SpectrumMatrix& m, const std::string& path) {
             buffer.clear();
         }
     }
+    ok = ok && std::fflush(f) == 0 && ::fsync(::fileno(f)) == 0;
     return std::fclose(f) == 0 && ok;
 }
 
-}  // namespace
+constexpr const char* kPackageFiles[] = {kExportDataName, kExportDocumentName};
 
-bool exportPackage(const SpectrumDocument& doc, const std::string& folder) {
-    if (doc.matrix.re.empty()) return false;
+bool isPackageFile(const fs::path& name) {
+    for (const char* file : kPackageFiles)
+        if (name == file) return true;
+    return false;
+}
+
+// Moves the new package in place of the old one, whose other files move over with it. The old
+// folder is removed only once it holds nothing of its own any more.
+bool swapIn(const fs::path& fresh, const fs::path& target) {
     std::error_code ec;
-    fs::create_directories(folder, ec);
-    if (!fs::is_directory(folder, ec)) return false;
+    if (!fs::exists(fs::symlink_status(target, ec))) {
+        fs::rename(fresh, target, ec);
+        return !ec;
+    }
+    if (!fs::is_directory(fs::symlink_status(target, ec))) return false;
+    // An empty folder of a fresh name, which the rename replaces.
+    const std::optional<std::string> aside = createFolderBeside(target.string());
+    if (!aside) return false;
+    fs::rename(target, *aside, ec);
+    if (ec) return fs::remove(*aside, ec), false;
+    fs::rename(fresh, target, ec);
+    if (ec) {
+        fs::rename(*aside, target, ec);
+        return false;
+    }
+    bool emptied = true;
+    for (const fs::directory_entry& e : fs::directory_iterator(*aside, ec)) {
+        if (isPackageFile(e.path().filename())) continue;
+        std::error_code moved;
+        fs::rename(e.path(), target / e.path().filename(), moved);
+        emptied = emptied && !moved;
+    }
+    if (emptied && !ec) fs::remove_all(*aside, ec);
+    return true;
+}
 
+// The whole package in a folder of its own.
+bool writePackage(const SpectrumDocument& doc, const fs::path& folder) {
     const int direct = directFIndex(doc.matrix.dims);
     const SpectrumMatrix m = exportLayout(doc.matrix, direct);
-    const std::string dataPath = (fs::path(folder) / kExportDataName).string();
-    const std::string documentPath = (fs::path(folder) / kExportDocumentName).string();
-    fs::remove(documentPath, ec);
+    const std::string dataPath = (folder / kExportDataName).string();
     if (!writeSamples(m, dataPath)) return false;
 
     // The package describes the intensities as they are: nothing left to replay.
@@ -90,7 +126,34 @@ bool exportPackage(const SpectrumDocument& doc, const std::string& folder) {
     for (const ProcessingStep& step : doc.processing.steps)
         if (step.kind() == StepKind::FourierTransform) package.processing.steps.push_back(step);
     package.readWithVersion = doc.readWithVersion;
-    return saveDocument(package, documentPath, false).ok;
+    return saveDocument(package, (folder / kExportDocumentName).string(), false).ok;
+}
+
+}  // namespace
+
+bool exportPackage(const SpectrumDocument& doc, const std::string& folder) {
+    if (doc.matrix.re.empty()) return false;
+    fs::path target = fs::path(folder).lexically_normal();
+    if (!target.has_filename()) target = target.parent_path();
+    std::error_code ec;
+    if (target.has_parent_path()) fs::create_directories(target.parent_path(), ec);
+    // Written completely beside the old package, which stays as it was until then.
+    const std::optional<std::string> fresh = createFolderBeside(target.string());
+    if (!fresh) return false;
+    // A fresh folder is private; the package gets the permissions of the one it replaces, or
+    // those of any new folder.
+    const fs::file_status old = fs::status(target, ec);
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    fs::permissions(
+        *fresh,
+        fs::is_directory(old) ? old.permissions() : fs::perms::all & ~static_cast<fs::perms>(mask),
+        ec);
+    if (!writePackage(doc, *fresh)) return fs::remove_all(*fresh, ec), false;
+    syncFolderOf((fs::path(*fresh) / kExportDataName).string());
+    if (!swapIn(*fresh, target)) return fs::remove_all(*fresh, ec), false;
+    syncFolderOf(target.string());
+    return true;
 }
 
 }  // namespace zolt

@@ -11,8 +11,9 @@ namespace zolt {
 inline constexpr const char* kExportDataName = "data";
 inline constexpr const char* kExportDocumentName = "plist.zolt";
 
-// Creates the folder when needed. False when anything cannot be written; a package that
-// could not be completed leaves no "plist.zolt" behind.
+// Creates the folder when needed. The package is written whole beside the folder and then
+// takes its place, so that a failure (false) leaves the previous package as it was; other
+// files in the folder stay with the new package.
 bool exportPackage(const SpectrumDocument& doc, const std::string& folder);
 
 }  // namespace zolt

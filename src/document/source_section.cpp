@@ -138,6 +138,24 @@ plist::Value* sourceToTree(const SpectrumSource& s, const SpectrumMatrix* matrix
     return d;
 }
 
+bool isSourceKey(std::string_view key) {
+    static constexpr std::string_view kKeys[] = {"raw data file",   "type of numbers",
+                                                 "Y factor (real)", "Y factor (imaginary)",
+                                                 "block size",      kSubMatrixHeight,
+                                                 "header size",     "block header",
+                                                 "NMR coordinates", "phaseable dimensions",
+                                                 "provenance",      "highest t-index",
+                                                 "x index",         "y index",
+                                                 "z index"};
+    for (std::string_view k : kKeys)
+        if (k == key) return true;
+    for (const JcampOption& o : kJcampOptions)
+        if (key == o.key) return true;
+    for (const SourceFlagName& flag : sourceFlagNames())
+        if (key == flag.key) return true;
+    return false;
+}
+
 std::optional<SpectrumSource> sourceFromTree(const Value* d) {
     if (!d || d->kind != plist::Kind::Dictionary) return std::nullopt;
     SpectrumSource s;

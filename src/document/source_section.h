@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string_view>
 
 #include "io/plist.h"
 #include "model/spectrum_matrix.h"
@@ -14,5 +15,7 @@ namespace zolt {
 plist::Value* sourceToTree(const SpectrumSource& source, const SpectrumMatrix* matrix);
 // The source from a "spectroscopy" dictionary; the raw file is not located here.
 std::optional<SpectrumSource> sourceFromTree(const plist::Value* spectroscopy);
+// Whether sourceToTree fills the key (whether or not it writes it for a given source).
+bool isSourceKey(std::string_view key);
 
 }  // namespace zolt

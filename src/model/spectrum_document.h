@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "model/processing_step.h"
@@ -12,19 +13,19 @@
 namespace zolt {
 
 struct SampleMetadata {
-    std::string title;             // "optional title"
-    std::string formula;           // "ASCII formula"
-    std::string smiles;            // "SMILES string"
-    std::string solvent;           // "solvent"
-    std::string pulseSequence;     // "pulse sequence"
-    float temperature = 0.0f;      // saved only when not zero
+    std::string title;          // "optional title"
+    std::string formula;        // "ASCII formula"
+    std::string smiles;         // "SMILES string"
+    std::string solvent;        // "solvent"
+    std::string pulseSequence;  // "pulse sequence"
+    float temperature = 0.0f;   // saved only when not zero
 };
 
 // How the document window was laid out when saved.
 struct WindowState {
     std::array<int, 7> pageAndMargins{};  // page size and the four margins
-    bool freeSize = false;                 // the plot is not tied to the page
-    bool drawer = false;                   // the side drawer is open
+    bool freeSize = false;                // the plot is not tied to the page
+    bool drawer = false;                  // the side drawer is open
     int pageNumber = 0;
     bool hasBounds = false;
     std::array<int, 4> bounds{};  // left, top, right, bottom in the frame's client area
@@ -47,6 +48,10 @@ inline constexpr uint32_t kCustomWorkflow = 0x4000;
 inline constexpr uint32_t kModified = 0x20000;
 }  // namespace document_flags
 
+// What a document file held beyond what this program fills (a newer program's keys, lists not
+// yet edited here); defined by the document file, which writes it back unchanged.
+struct KeptKeys;
+
 struct SpectrumDocument {
     SpectrumSource source;
     SpectrumMatrix matrix;
@@ -62,6 +67,8 @@ struct SpectrumDocument {
     uint32_t flags = 0;  // document_flags
     // The spectrometer's own processing of each axis (by f-index), when the reader found it.
     std::array<VendorProcessing, 4> vendorProcessing{};
+    // Shared by copies: it is never changed once read.
+    std::shared_ptr<const KeptKeys> keptKeys;
 };
 
 }  // namespace zolt

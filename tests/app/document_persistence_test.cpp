@@ -1,14 +1,20 @@
 // Saving documents in place and opening them again: the raw data are read anew and the saved
 // processing is replayed.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
 
 #include "app/application.h"
 #include "app/recording_platform.h"
+#include "io/plist.h"
 #include "processing/auto_phase.h"
 #include "processing/baseline.h"
 #include "processing/ft_pipeline.h"
@@ -211,6 +217,76 @@ TEST_F(DocumentPersistence, ExportIntoAFolderThatCannotBeMadeReportsIt) {
     ASSERT_EQ(platform.boxes.size(), 1u);
     EXPECT_EQ(platform.boxes[0].caption, "There was a System Error");
     EXPECT_EQ(platform.boxes[0].text, "Failed to Create the File");
+}
+
+// Runs a chunk while no file may grow past 4 KiB, as on a disk that is full.
+bool runOnAFullDisk(Application& app, const std::string& chunk) {
+    rlimit saved{};
+    getrlimit(RLIMIT_FSIZE, &saved);
+    const auto previousHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit tiny = saved;
+    tiny.rlim_cur = 4096;
+    setrlimit(RLIMIT_FSIZE, &tiny);
+    const bool ran = app.scriptHost().runChunk(chunk, "input");
+    setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, previousHandler);
+    return ran;
+}
+
+TEST_F(DocumentPersistence, ExportThatCannotCompleteLeavesThePreviousPackage) {
+    const std::string dir = copyOf("aspirin-1h");
+    const fs::path parent = fs::path(dir).parent_path();
+    const std::string package = (parent / "exported").string();
+    Application app(platform);
+    ASSERT_EQ(app.open(dir), 1);
+    ASSERT_TRUE(app.scriptHost().runChunk("wft() export('" + package + "')", "input"));
+    // A file of the user's own in the package folder stays with every new package.
+    std::ofstream(package + "/notes.txt") << "mine";
+    ASSERT_TRUE(app.scriptHost().runChunk("export('" + package + "/')", "input"));
+    ASSERT_TRUE(platform.boxes.empty());
+    const std::string data = testdata::readFile(package + "/data");
+    const std::string document = testdata::readFile(package + "/plist.zolt");
+    EXPECT_EQ(testdata::readFile(package + "/notes.txt"), "mine");
+
+    ASSERT_TRUE(runOnAFullDisk(app, "export('" + package + "')"));
+    ASSERT_EQ(platform.boxes.size(), 1u);
+    EXPECT_EQ(platform.boxes[0].caption, "There was a System Error");
+    EXPECT_EQ(platform.boxes[0].text, "Failed to Create the File");
+    EXPECT_EQ(testdata::readFile(package + "/data"), data);
+    EXPECT_EQ(testdata::readFile(package + "/plist.zolt"), document);
+    EXPECT_EQ(testdata::readFile(package + "/notes.txt"), "mine");
+    // Nothing half-written is left beside it.
+    std::vector<std::string> names;
+    for (const auto& e : fs::directory_iterator(parent)) names.push_back(e.path().filename());
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::string>{"aspirin-1h", "exported"}));
+    Application reader(platform);
+    EXPECT_EQ(reader.open(package), 1);
+}
+
+TEST_F(DocumentPersistence, KeysOfANewerProgramSurviveOpeningAndSaving) {
+    const std::string dir = copyOf("aspirin-1h");
+    {
+        Application app(platform);
+        ASSERT_EQ(app.open(dir), 1);
+        ASSERT_TRUE(app.scriptHost().runChunk("wft()", "input"));
+        ASSERT_TRUE(app.save(*app.frontDocument()));
+    }
+    const std::string path = dir + "/fid.zolt";
+    plist::Ref root(plist::read(testdata::readFile(path)));
+    ASSERT_TRUE(root);
+    plist::appendToArray(plist::setArray(root.get(), "clippings"), plist::createString("arrow"));
+    plist::appendToArray(plist::setArray(root.get(), "links"), plist::createString("c13.zolt"));
+    plist::setBoolean(root.get(), "run internal script", true);
+    plist::setBoolean(root.get(), "owns its overlays", true);
+    plist::setReal(root.get(), "~ a key from the future", 0.25);
+    const std::string foreign = plist::write(root.get());
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << foreign;
+
+    Application app(platform);
+    ASSERT_EQ(app.open(dir), 1);
+    ASSERT_TRUE(app.save(*app.frontDocument()));
+    EXPECT_EQ(testdata::readFile(path), foreign);
 }
 
 TEST_F(DocumentPersistence, CliRunSavesEveryDocumentInPlace) {
