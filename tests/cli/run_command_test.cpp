@@ -81,6 +81,11 @@ TEST(RunCommand, ErrorsGiveANonZeroStatus) {
     EXPECT_EQ(r.out, "after\n");
     r = runCli({"-e", "open('/no/such/folder') print('after')"});  // nothing to report
     EXPECT_EQ(r.status, 0) << r.err;
+    // An export that cannot be written is reported, and the run fails with it.
+    // (A plain file stands where its folder should be: not even root can write there.)
+    r = runCli({"-e", "export('" + missing + "/package')", testdata::bruker("aspirin-1h")});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, "There was a System Error: Failed to Create the File\n");
 }
 
 TEST(RunCommand, UsageAndUnreadableScripts) {
