@@ -22,19 +22,39 @@ template <typename Value>
 std::vector<LocalMaximum> strongestLocalMaxima(const Value& value, size_t n1, size_t n2,
                                                size_t margin1, size_t margin2, size_t count) {
     std::vector<LocalMaximum> maxima;
-    for (size_t i1 = margin1; i1 + margin1 < n1; ++i1)
+    if (margin1 >= n1 || n1 - margin1 <= margin1 || margin2 >= n2 || n2 - margin2 <= margin2)
+        return maxima;
+    // Three rows of values roll down the grid, so each point's value is worked out once rather
+    // than once for itself and once for each of its neighbours.
+    std::vector<double> rows(3 * n2);
+    double* above = rows.data();
+    double* here = above + n2;
+    double* below = here + n2;
+    const auto fill = [&](double* row, size_t i1) {
+        for (size_t i2 = 0; i2 < n2; ++i2) row[i2] = value(i1, i2);
+    };
+    if (margin1 > 0) fill(above, margin1 - 1);
+    fill(here, margin1);
+    for (size_t i1 = margin1; i1 + margin1 < n1; ++i1) {
+        const bool hasAbove = i1 > 0, hasBelow = i1 + 1 < n1;
+        if (hasBelow) fill(below, i1 + 1);
         for (size_t i2 = margin2; i2 + margin2 < n2; ++i2) {
-            const double v = value(i1, i2);
-            bool top = v > 0.0;
-            for (int d1 = -1; d1 <= 1 && top; ++d1) {
-                if ((i1 == 0 && d1 < 0) || i1 + d1 >= n1) continue;
-                for (int d2 = -1; d2 <= 1 && top; ++d2) {
-                    if ((i2 == 0 && d2 < 0) || i2 + d2 >= n2) continue;
-                    if ((d1 || d2) && value(i1 + d1, i2 + d2) > v) top = false;
-                }
+            const double v = here[i2];
+            if (!(v > 0.0)) continue;
+            const size_t lo = i2 > 0 ? i2 - 1 : i2, hi = i2 + 1 < n2 ? i2 + 1 : i2;
+            bool top = true;
+            for (size_t k = lo; k <= hi && top; ++k) {
+                if (hasAbove && above[k] > v) top = false;
+                if (k != i2 && here[k] > v) top = false;
+                if (hasBelow && below[k] > v) top = false;
             }
             if (top) maxima.push_back({v, i1, i2});
         }
+        double* spare = above;
+        above = here;
+        here = below;
+        below = spare;
+    }
     keepStrongest(maxima, count);
     return maxima;
 }
