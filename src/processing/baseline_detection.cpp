@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -35,14 +36,17 @@ double markOutliers(const std::vector<double>& d, size_t lo, size_t hi, uint8_t*
         const double mean = sum / count;
         const double variance = sumSq / count - mean * mean;
         threshold = mean + 3.0 * std::sqrt(variance > 0.0 ? variance : 0.0);
+        // Branch-free: every entry is written at the kept end, which only moves on when it
+        // stays unmarked.
         size_t kept = 0;
         for (size_t r = 0; r < count; ++r) {
-            if (value[r] > threshold) {
-                mask[place[r]] = 1;
-            } else {
-                value[kept] = value[r];
-                place[kept++] = place[r];
-            }
+            const double v = value[r];
+            const size_t at = place[r];
+            const bool outlier = v > threshold;
+            mask[at] |= static_cast<uint8_t>(outlier);
+            value[kept] = v;
+            place[kept] = at;
+            kept += !outlier;
         }
         if (kept == count) return threshold;
         value.resize(kept);
@@ -51,11 +55,20 @@ double markOutliers(const std::vector<double>& d, size_t lo, size_t hi, uint8_t*
 }
 
 // One widening pass: a baseline point with signal at both i-g and i+g becomes signal. The
-// marks are 0 or 1, so the test is a branch-free or/and that the compiler can vectorise.
+// marks are 0 or 1, so the test is an or/and, done on eight marks at once in a 64-bit word.
 void closeGaps(uint8_t* __restrict after, const uint8_t* __restrict before, size_t n, size_t g) {
     const size_t first = std::min(g, n), last = n > 2 * g ? n - g : first;
     std::memcpy(after, before, first);
-    for (size_t i = first; i < last; ++i)
+    size_t i = first;
+    for (; i + 8 <= last; i += 8) {
+        uint64_t here, left, right;
+        std::memcpy(&here, before + i, 8);
+        std::memcpy(&left, before + i - g, 8);
+        std::memcpy(&right, before + i + g, 8);
+        here |= left & right;
+        std::memcpy(after + i, &here, 8);
+    }
+    for (; i < last; ++i)
         after[i] = static_cast<uint8_t>(before[i] | (before[i - g] & before[i + g]));
     std::memcpy(after + last, before + last, n - last);
 }
