@@ -51,11 +51,11 @@ void reflectColumns(double* a, size_t first, size_t last, const double* v, doubl
 
 // Householder QR of the m x p column-major matrix a, applied to b (column p of a) as well;
 // then back substitution, a coefficient whose diagonal element is below the limit being 0.
-std::vector<double> solveLeastSquares(std::vector<double>& a, size_t m, size_t p) {
+std::vector<double> solveLeastSquares(double* a, size_t m, size_t p) {
     std::vector<double> diag(p, 0.0), v(m);
-    const double* b = a.data() + p * m;
+    const double* b = a + p * m;
     for (size_t j = 0; j < p; ++j) {
-        double* col = a.data() + j * m;
+        double* col = a + j * m;
         double norm = 0.0;
         for (size_t i = j; i < m; ++i) norm += col[i] * col[i];
         norm = std::sqrt(norm);
@@ -69,7 +69,7 @@ std::vector<double> solveLeastSquares(std::vector<double>& a, size_t m, size_t p
         }
         diag[j] = alpha;
         if (vv == 0.0) continue;
-        reflectColumns(a.data(), j + 1, p + 1, v.data(), vv, j, m);
+        reflectColumns(a, j + 1, p + 1, v.data(), vv, j, m);
     }
     std::vector<double> c(p, 0.0);
     for (size_t j = p; j-- > 0;) {
@@ -96,18 +96,20 @@ std::vector<double> abscissae(size_t n) {
     return x;
 }
 
-// Least-squares polynomial with p coefficients through the given points of row.
+// Least-squares polynomial with p coefficients through the given points of row. The matrix
+// goes into `a`, kept by the caller from fit to fit: every element is written, so a buffer
+// that has grown once is neither cleared nor grown again.
 std::vector<double> fitThrough(const float* row, const std::vector<size_t>& points,
-                               const double* abscissa, size_t p) {
+                               const double* abscissa, size_t p, std::vector<double>& a) {
     const size_t m = points.size();
-    std::vector<double> a(m * (p + 1));
+    if (a.size() < m * (p + 1)) a.resize(m * (p + 1));
     for (size_t r = 0; r < m; ++r) {
         const double x = abscissa[points[r]];
         double power = 1.0;
         for (size_t j = 0; j < p; ++j, power *= x) a[j * m + r] = power;
         a[p * m + r] = row[points[r]];
     }
-    return solveLeastSquares(a, m, p);
+    return solveLeastSquares(a.data(), m, p);
 }
 
 // The points that lie at most three standard deviations of the noise above the curve. The
@@ -151,7 +153,7 @@ void subtractFitted(float* row, size_t n, const double* abscissa, const std::vec
 }
 
 std::vector<double> fitPolynomial(const float* row, const uint8_t* mask, size_t n, int order,
-                                  const double* abscissa) {
+                                  const double* abscissa, std::vector<double>& scratch) {
     if (order < 0) return {};
     const size_t p = static_cast<size_t>(order) + 1;
     std::vector<size_t> baseline;
@@ -160,7 +162,7 @@ std::vector<double> fitPolynomial(const float* row, const uint8_t* mask, size_t 
         if (!mask[i]) baseline.push_back(i);
     if (baseline.size() < p) return {};
     auto chosen = evenlySpread(baseline, polynomialFitPoints(n, order));
-    auto c = fitThrough(row, chosen, abscissa, p);
+    auto c = fitThrough(row, chosen, abscissa, p, scratch);
     // The detector sees lines, not humps: a broad signal (an exchange-broadened OH, a probe
     // background) passes for baseline and would bend the curve into itself. Fit points more
     // than three noise deviations above the curve are dropped and the fit repeated.
@@ -168,7 +170,7 @@ std::vector<double> fitPolynomial(const float* row, const uint8_t* mask, size_t 
         auto kept = pointsNotAboveCurve(row, chosen, abscissa, c);
         if (kept.size() == chosen.size() || kept.size() < p) break;
         chosen = std::move(kept);
-        c = fitThrough(row, chosen, abscissa, p);
+        c = fitThrough(row, chosen, abscissa, p, scratch);
     }
     return c;
 }
@@ -192,7 +194,8 @@ size_t polynomialFitPoints(size_t n, int order) {
 std::vector<double> fitBaselinePolynomial(const float* row, const uint8_t* mask, size_t n,
                                           int order) {
     if (order < 0) return {};
-    return fitPolynomial(row, mask, n, order, abscissae(n).data());
+    std::vector<double> scratch;
+    return fitPolynomial(row, mask, n, order, abscissae(n).data(), scratch);
 }
 
 bool forEachRealRow(SpectrumMatrix& m, int fIndex, const std::function<void(float*, size_t)>& fn) {
@@ -244,7 +247,7 @@ std::optional<Message> correctBaseline(SpectrumMatrix& m, int fIndex,
 
     std::vector<uint8_t> mask;
     std::vector<float> smooth;
-    std::vector<double> abscissa;
+    std::vector<double> abscissa, scratch;
     try {
         mask.resize(n);
         if (polynomial) abscissa = abscissae(n);
@@ -260,7 +263,7 @@ std::optional<Message> correctBaseline(SpectrumMatrix& m, int fIndex,
             detectBaselinePoints(part, n, w, mode, mask.data(), carried);
             mode = autosampling_mode::kCarryThreshold;
             if (polynomial) {
-                const auto c = fitPolynomial(part, mask.data(), n, order, abscissa.data());
+                const auto c = fitPolynomial(part, mask.data(), n, order, abscissa.data(), scratch);
                 if (!c.empty()) subtractFitted(part, n, abscissa.data(), c);
             } else if (whittakerSmooth(part, mask.data(), n, lambda, smooth.data())) {
                 for (size_t i = 0; i < n; ++i) part[i] -= smooth[i];
