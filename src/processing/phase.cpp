@@ -1,7 +1,9 @@
 #include "processing/phase.h"
 
 #include <cmath>
+#include <new>
 #include <numbers>
+#include <vector>
 
 #include "processing/kernels.h"
 
@@ -16,9 +18,45 @@ size_t axisPoints(const SpectrumMatrix& m, int f) {
     return m.dims[f].points ? m.dims[f].points : 1;
 }
 
-// Rotates the pairs (a[i], b[i]) along one axis. The angle of point k is a0 + k*step; cos and
-// sin advance by the rotation of step in double precision.
-void rotateWalk(float* a, float* b, const AxisWalk& w, double a0, double step) {
+// The float cos and sin of the angles a0 + k*step, k < n: cos and sin advance by the rotation
+// of step in double precision.
+void rotationTable(double a0, double step, size_t n, float* cf, float* sf) {
+    const double dc = std::cos(step), ds = std::sin(step);
+    double c = std::cos(a0), s = std::sin(a0);
+    for (size_t k = 0; k < n; ++k) {
+        cf[k] = static_cast<float>(c);
+        sf[k] = static_cast<float>(s);
+        const double c2 = c * dc - s * ds;
+        s = s * dc + c * ds;
+        c = c2;
+    }
+}
+
+// Rotates one block of the walk by the tabled angles.
+void rotateBlock(float* __restrict a, float* __restrict b, const AxisWalk& w, const float* cf,
+                 const float* sf) {
+    if (w.inner == 1) {
+        for (size_t k = 0; k < w.n; ++k) {
+            const float re = a[k], im = b[k];
+            a[k] = re * cf[k] - im * sf[k];
+            b[k] = re * sf[k] + im * cf[k];
+        }
+        return;
+    }
+    for (size_t k = 0; k < w.n; ++k) {
+        float* pa = a + k * w.inner;
+        float* pb = b + k * w.inner;
+        for (size_t j = 0; j < w.inner; ++j) {
+            const float re = pa[j], im = pb[j];
+            pa[j] = re * cf[k] - im * sf[k];
+            pb[j] = re * sf[k] + im * cf[k];
+        }
+    }
+}
+
+// Rotates the pairs (a[i], b[i]) along one axis, the angles advanced point by point as the
+// table does: for a single block, where a table would save nothing.
+void rotateStreaming(float* a, float* b, const AxisWalk& w, double a0, double step) {
     const double dc = std::cos(step), ds = std::sin(step);
     const size_t block = w.n * w.inner;
     for (size_t o = 0; o < w.outer; ++o) {
@@ -39,6 +77,24 @@ void rotateWalk(float* a, float* b, const AxisWalk& w, double a0, double step) {
             c = c2;
         }
     }
+}
+
+// Rotates the pairs (a[i], b[i]) along one axis. The angle of point k is a0 + k*step; every
+// block starts again at a0, so the table of the angles is worked out once for all blocks.
+void rotateWalk(float* a, float* b, const AxisWalk& w, double a0, double step) {
+    std::vector<float> table;
+    if (w.outer > 1) {
+        try {
+            table.resize(2 * w.n);
+        } catch (const std::bad_alloc&) {
+            table.clear();
+        }
+    }
+    if (table.empty()) return rotateStreaming(a, b, w, a0, step);
+    rotationTable(a0, step, w.n, table.data(), table.data() + w.n);
+    const size_t block = w.n * w.inner;
+    for (size_t o = 0; o < w.outer; ++o)
+        rotateBlock(a + o * block, b + o * block, w, table.data(), table.data() + w.n);
 }
 
 // Applies (phaseA, phaseB) to the pairs (a, b) laid out as w describes, with the shortcuts
