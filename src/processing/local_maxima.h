@@ -26,31 +26,31 @@ std::vector<LocalMaximum> strongestLocalMaxima(const Value& value, size_t n1, si
     if (margin1 >= n1 || n1 - margin1 <= margin1 || margin2 >= n2 || n2 - margin2 <= margin2)
         return maxima;
     // The values are worked out once per point, a band of rows at a time (with the row above
-    // and below it), walking down each column of the band: whichever axis lies contiguous in
-    // memory, the few cache lines of a band's column stay in cache across the whole band.
-    constexpr size_t kBand = 64;
+    // and below it), tile by tile of the band's columns: whichever axis lies contiguous in
+    // memory, the cache lines and pages of a tile stay at hand across the whole tile.
+    constexpr size_t kBand = 64, kTile = 16;
     const size_t last = n1 - margin1;  // one past the last row searched
     std::vector<double> band(std::min(kBand + 2, n1) * n2);
     for (size_t b0 = margin1; b0 < last; b0 += kBand) {
         const size_t b1 = std::min(last, b0 + kBand);
         const size_t top = b0 > 0 ? b0 - 1 : 0, bottom = std::min(n1, b1 + 1);
-        for (size_t i2 = 0; i2 < n2; ++i2)
-            for (size_t i1 = top; i1 < bottom; ++i1) band[(i1 - top) * n2 + i2] = value(i1, i2);
+        for (size_t t0 = 0; t0 < n2; t0 += kTile) {
+            const size_t t1 = std::min(n2, t0 + kTile);
+            for (size_t i1 = top; i1 < bottom; ++i1)
+                for (size_t i2 = t0; i2 < t1; ++i2) band[(i1 - top) * n2 + i2] = value(i1, i2);
+        }
         for (size_t i1 = b0; i1 < b1; ++i1) {
-            const bool hasAbove = i1 > 0, hasBelow = i1 + 1 < n1;
+            // A missing row or column stands in as the point's own, which never exceeds it.
             const double* here = band.data() + (i1 - top) * n2;
-            const double* above = hasAbove ? here - n2 : here;
-            const double* below = hasBelow ? here + n2 : here;
+            const double* above = i1 > 0 ? here - n2 : here;
+            const double* below = i1 + 1 < n1 ? here + n2 : here;
             for (size_t i2 = margin2; i2 + margin2 < n2; ++i2) {
                 const double v = here[i2];
                 if (!(v > 0.0)) continue;
                 const size_t lo = i2 > 0 ? i2 - 1 : i2, hi = i2 + 1 < n2 ? i2 + 1 : i2;
-                bool peak = true;
-                for (size_t k = lo; k <= hi && peak; ++k) {
-                    if (hasAbove && above[k] > v) peak = false;
-                    if (k != i2 && here[k] > v) peak = false;
-                    if (hasBelow && below[k] > v) peak = false;
-                }
+                const bool peak = !(above[lo] > v) & !(above[i2] > v) & !(above[hi] > v) &
+                                  !(here[lo] > v) & !(here[hi] > v) & !(below[lo] > v) &
+                                  !(below[i2] > v) & !(below[hi] > v);
                 if (peak) maxima.push_back({v, i1, i2});
             }
         }
