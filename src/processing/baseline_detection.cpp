@@ -24,21 +24,23 @@ double markOutliers(const std::vector<double>& d, size_t lo, size_t hi, uint8_t*
         value.push_back(d[i]);
         place.push_back(i);
     }
-    double threshold = 0.0;
+    double threshold = 0.0, sum = 0.0, sumSq = 0.0;
+    for (const double v : value) {
+        sum += v;
+        sumSq += v * v;
+    }
     for (;;) {
         const size_t count = value.size();
         if (count == 0) return threshold;
-        double sum = 0.0, sumSq = 0.0;
-        for (const double v : value) {
-            sum += v;
-            sumSq += v * v;
-        }
         const double mean = sum / count;
         const double variance = sumSq / count - mean * mean;
         threshold = mean + 3.0 * std::sqrt(variance > 0.0 ? variance : 0.0);
         // Branch-free: every entry is written at the kept end, which only moves on when it
-        // stays unmarked.
+        // stays unmarked; the sums of the next pass are taken on the way. A marked entry adds
+        // +0, which leaves the sums as they are: they start at +0 and the differences are
+        // magnitudes.
         size_t kept = 0;
+        double nextSum = 0.0, nextSumSq = 0.0;
         for (size_t r = 0; r < count; ++r) {
             const double v = value[r];
             const size_t at = place[r];
@@ -47,10 +49,15 @@ double markOutliers(const std::vector<double>& d, size_t lo, size_t hi, uint8_t*
             value[kept] = v;
             place[kept] = at;
             kept += !outlier;
+            const double added = outlier ? 0.0 : v;
+            nextSum += added;
+            nextSumSq += added * added;
         }
         if (kept == count) return threshold;
         value.resize(kept);
         place.resize(kept);
+        sum = nextSum;
+        sumSq = nextSumSq;
     }
 }
 
