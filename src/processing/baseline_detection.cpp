@@ -2,44 +2,82 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace zolt {
 namespace {
 
 // Marks every unmarked point of d[lo ... hi] above mean + 3 sigma of the unmarked points,
-// until a pass marks nothing. Returns the last threshold.
+// until a pass marks nothing. Returns the last threshold. The unmarked differences are kept
+// packed in their order, so each pass sums exactly what a walk over the row would, without
+// stepping over the marked ones.
 double markOutliers(const std::vector<double>& d, size_t lo, size_t hi, uint8_t* mask) {
-    double threshold = 0.0;
+    std::vector<double> value;
+    std::vector<size_t> place;
+    value.reserve(hi - lo + 1);
+    place.reserve(hi - lo + 1);
+    for (size_t i = lo; i <= hi; ++i) {
+        if (mask[i]) continue;
+        value.push_back(d[i]);
+        place.push_back(i);
+    }
+    double threshold = 0.0, sum = 0.0, sumSq = 0.0;
+    for (const double v : value) {
+        sum += v;
+        sumSq += v * v;
+    }
     for (;;) {
-        double sum = 0.0, sumSq = 0.0;
-        size_t count = 0;
-        for (size_t i = lo; i <= hi; ++i) {
-            if (mask[i]) continue;
-            sum += d[i];
-            sumSq += d[i] * d[i];
-            ++count;
-        }
+        const size_t count = value.size();
         if (count == 0) return threshold;
         const double mean = sum / count;
         const double variance = sumSq / count - mean * mean;
         threshold = mean + 3.0 * std::sqrt(variance > 0.0 ? variance : 0.0);
-        size_t marked = 0;
-        for (size_t i = lo; i <= hi; ++i) {
-            if (!mask[i] && d[i] > threshold) {
-                mask[i] = 1;
-                ++marked;
-            }
+        // Branch-free: every entry is written at the kept end, which only moves on when it
+        // stays unmarked; the sums of the next pass are taken on the way. A marked entry adds
+        // +0, which leaves the sums as they are: they start at +0 and the differences are
+        // magnitudes.
+        size_t kept = 0;
+        double nextSum = 0.0, nextSumSq = 0.0;
+        for (size_t r = 0; r < count; ++r) {
+            const double v = value[r];
+            const size_t at = place[r];
+            const bool outlier = v > threshold;
+            mask[at] |= static_cast<uint8_t>(outlier);
+            value[kept] = v;
+            place[kept] = at;
+            kept += !outlier;
+            const double added = outlier ? 0.0 : v;
+            nextSum += added;
+            nextSumSq += added * added;
         }
-        if (marked == 0) return threshold;
+        if (kept == count) return threshold;
+        value.resize(kept);
+        place.resize(kept);
+        sum = nextSum;
+        sumSq = nextSumSq;
     }
 }
 
-// One widening pass: a baseline point with signal at both i-g and i+g becomes signal.
-void closeGaps(uint8_t* mask, const uint8_t* before, size_t n, size_t g) {
-    for (size_t i = g; i + g < n; ++i)
-        if (!before[i] && before[i - g] && before[i + g]) mask[i] = 1;
+// One widening pass: a baseline point with signal at both i-g and i+g becomes signal. The
+// marks are 0 or 1, so the test is an or/and, done on eight marks at once in a 64-bit word.
+void closeGaps(uint8_t* __restrict after, const uint8_t* __restrict before, size_t n, size_t g) {
+    const size_t first = std::min(g, n), last = n > 2 * g ? n - g : first;
+    std::memcpy(after, before, first);
+    size_t i = first;
+    for (; i + 8 <= last; i += 8) {
+        uint64_t here, left, right;
+        std::memcpy(&here, before + i, 8);
+        std::memcpy(&left, before + i - g, 8);
+        std::memcpy(&right, before + i + g, 8);
+        here |= left & right;
+        std::memcpy(after + i, &here, 8);
+    }
+    for (; i < last; ++i)
+        after[i] = static_cast<uint8_t>(before[i] | (before[i - g] & before[i + g]));
+    std::memcpy(after + last, before + last, n - last);
 }
 
 }  // namespace
@@ -77,12 +115,16 @@ size_t detectBaselinePoints(const float* row, size_t n, int w, unsigned mode, ui
 
     const bool narrow = mode & autosampling_mode::kNarrow;
     if (narrow || hw > 1) {
-        std::vector<uint8_t> before(n);
+        // The passes alternate between the mask and a spare row instead of copying back.
+        std::vector<uint8_t> spare(n);
+        uint8_t* current = mask;
+        uint8_t* next = spare.data();
         const size_t first = narrow ? 1 : hw - 1;
         for (size_t g = first; g >= 1; --g) {
-            std::memcpy(before.data(), mask, n);
-            closeGaps(mask, before.data(), n, g);
+            closeGaps(next, current, n, g);
+            std::swap(current, next);
         }
+        if (current != mask) std::memcpy(mask, current, n);
     }
     return static_cast<size_t>(std::count(mask, mask + n, uint8_t{0}));
 }

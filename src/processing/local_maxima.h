@@ -1,6 +1,7 @@
 // The strongest local maxima of a value over a grid of points (a 2-D plane, or one row).
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -22,19 +23,38 @@ template <typename Value>
 std::vector<LocalMaximum> strongestLocalMaxima(const Value& value, size_t n1, size_t n2,
                                                size_t margin1, size_t margin2, size_t count) {
     std::vector<LocalMaximum> maxima;
-    for (size_t i1 = margin1; i1 + margin1 < n1; ++i1)
-        for (size_t i2 = margin2; i2 + margin2 < n2; ++i2) {
-            const double v = value(i1, i2);
-            bool top = v > 0.0;
-            for (int d1 = -1; d1 <= 1 && top; ++d1) {
-                if ((i1 == 0 && d1 < 0) || i1 + d1 >= n1) continue;
-                for (int d2 = -1; d2 <= 1 && top; ++d2) {
-                    if ((i2 == 0 && d2 < 0) || i2 + d2 >= n2) continue;
-                    if ((d1 || d2) && value(i1 + d1, i2 + d2) > v) top = false;
-                }
-            }
-            if (top) maxima.push_back({v, i1, i2});
+    if (margin1 >= n1 || n1 - margin1 <= margin1 || margin2 >= n2 || n2 - margin2 <= margin2)
+        return maxima;
+    // The values are worked out once per point, a band of rows at a time (with the row above
+    // and below it), tile by tile of the band's columns: whichever axis lies contiguous in
+    // memory, the cache lines and pages of a tile stay at hand across the whole tile.
+    constexpr size_t kBand = 64, kTile = 16;
+    const size_t last = n1 - margin1;  // one past the last row searched
+    std::vector<double> band(std::min(kBand + 2, n1) * n2);
+    for (size_t b0 = margin1; b0 < last; b0 += kBand) {
+        const size_t b1 = std::min(last, b0 + kBand);
+        const size_t top = b0 > 0 ? b0 - 1 : 0, bottom = std::min(n1, b1 + 1);
+        for (size_t t0 = 0; t0 < n2; t0 += kTile) {
+            const size_t t1 = std::min(n2, t0 + kTile);
+            for (size_t i1 = top; i1 < bottom; ++i1)
+                for (size_t i2 = t0; i2 < t1; ++i2) band[(i1 - top) * n2 + i2] = value(i1, i2);
         }
+        for (size_t i1 = b0; i1 < b1; ++i1) {
+            // A missing row or column stands in as the point's own, which never exceeds it.
+            const double* here = band.data() + (i1 - top) * n2;
+            const double* above = i1 > 0 ? here - n2 : here;
+            const double* below = i1 + 1 < n1 ? here + n2 : here;
+            for (size_t i2 = margin2; i2 + margin2 < n2; ++i2) {
+                const double v = here[i2];
+                if (!(v > 0.0)) continue;
+                const size_t lo = i2 > 0 ? i2 - 1 : i2, hi = i2 + 1 < n2 ? i2 + 1 : i2;
+                const bool peak = !(above[lo] > v) & !(above[i2] > v) & !(above[hi] > v) &
+                                  !(here[lo] > v) & !(here[hi] > v) & !(below[lo] > v) &
+                                  !(below[i2] > v) & !(below[hi] > v);
+                if (peak) maxima.push_back({v, i1, i2});
+            }
+        }
+    }
     keepStrongest(maxima, count);
     return maxima;
 }

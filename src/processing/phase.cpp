@@ -1,7 +1,14 @@
 #include "processing/phase.h"
 
+#include <algorithm>
 #include <cmath>
+#include <new>
 #include <numbers>
+#include <vector>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "processing/kernels.h"
 
@@ -16,29 +23,107 @@ size_t axisPoints(const SpectrumMatrix& m, int f) {
     return m.dims[f].points ? m.dims[f].points : 1;
 }
 
-// Rotates the pairs (a[i], b[i]) along one axis. The angle of point k is a0 + k*step; cos and
-// sin advance by the rotation of step in double precision.
-void rotateWalk(float* a, float* b, const AxisWalk& w, double a0, double step) {
+// The float cos and sin of the angles a0 + k*step, k < n: cos and sin advance by the rotation
+// of step in double precision.
+void rotationTable(double a0, double step, size_t n, float* cf, float* sf) {
+    const double dc = std::cos(step), ds = std::sin(step);
+    double c = std::cos(a0), s = std::sin(a0);
+    for (size_t k = 0; k < n; ++k) {
+        cf[k] = static_cast<float>(c);
+        sf[k] = static_cast<float>(s);
+        const double c2 = c * dc - s * ds;
+        s = s * dc + c * ds;
+        c = c2;
+    }
+}
+
+// Rotates the n pairs (a[i], b[i]) by the angle with float cosine c[i] and sine s[i]; the four
+// lanes of SSE do each the same float products and sums as the plain loop.
+void rotatePairs(float* __restrict a, float* __restrict b, const float* c, const float* s,
+                 size_t n) {
+    size_t i = 0;
+#if defined(__SSE2__)
+    for (; i + 4 <= n; i += 4) {
+        const __m128 re = _mm_loadu_ps(a + i), im = _mm_loadu_ps(b + i);
+        const __m128 cf = _mm_loadu_ps(c + i), sf = _mm_loadu_ps(s + i);
+        _mm_storeu_ps(a + i, _mm_sub_ps(_mm_mul_ps(re, cf), _mm_mul_ps(im, sf)));
+        _mm_storeu_ps(b + i, _mm_add_ps(_mm_mul_ps(re, sf), _mm_mul_ps(im, cf)));
+    }
+#endif
+    for (; i < n; ++i) {
+        const float re = a[i], im = b[i];
+        a[i] = re * c[i] - im * s[i];
+        b[i] = re * s[i] + im * c[i];
+    }
+}
+
+// The same with one angle for all n pairs.
+void rotatePairs(float* __restrict a, float* __restrict b, float c, float s, size_t n) {
+    size_t i = 0;
+#if defined(__SSE2__)
+    const __m128 cf = _mm_set1_ps(c), sf = _mm_set1_ps(s);
+    for (; i + 4 <= n; i += 4) {
+        const __m128 re = _mm_loadu_ps(a + i), im = _mm_loadu_ps(b + i);
+        _mm_storeu_ps(a + i, _mm_sub_ps(_mm_mul_ps(re, cf), _mm_mul_ps(im, sf)));
+        _mm_storeu_ps(b + i, _mm_add_ps(_mm_mul_ps(re, sf), _mm_mul_ps(im, cf)));
+    }
+#endif
+    for (; i < n; ++i) {
+        const float re = a[i], im = b[i];
+        a[i] = re * c - im * s;
+        b[i] = re * s + im * c;
+    }
+}
+
+// Rotates one block of the walk by the tabled angles.
+void rotateBlock(float* a, float* b, const AxisWalk& w, const float* cf, const float* sf) {
+    if (w.inner == 1) return rotatePairs(a, b, cf, sf, w.n);
+    for (size_t k = 0; k < w.n; ++k)
+        rotatePairs(a + k * w.inner, b + k * w.inner, cf[k], sf[k], w.inner);
+}
+
+// Rotates the pairs (a[i], b[i]) along one axis with the angles advanced as the table does,
+// a short stretch of them at a time: for a single block, where a whole table would save
+// nothing, or when there is no room for one.
+void rotateStreaming(float* a, float* b, const AxisWalk& w, double a0, double step) {
+    constexpr size_t kStretch = 256;
+    float cf[kStretch], sf[kStretch];
     const double dc = std::cos(step), ds = std::sin(step);
     const size_t block = w.n * w.inner;
     for (size_t o = 0; o < w.outer; ++o) {
-        float* ra = a + o * block;
-        float* rb = b + o * block;
         double c = std::cos(a0), s = std::sin(a0);
-        for (size_t k = 0; k < w.n; ++k) {
-            const float cf = static_cast<float>(c), sf = static_cast<float>(s);
-            float* pa = ra + k * w.inner;
-            float* pb = rb + k * w.inner;
-            for (size_t j = 0; j < w.inner; ++j) {
-                const float re = pa[j], im = pb[j];
-                pa[j] = re * cf - im * sf;
-                pb[j] = re * sf + im * cf;
+        for (size_t k0 = 0; k0 < w.n; k0 += kStretch) {
+            const size_t count = std::min(kStretch, w.n - k0);
+            for (size_t k = 0; k < count; ++k) {
+                cf[k] = static_cast<float>(c);
+                sf[k] = static_cast<float>(s);
+                const double c2 = c * dc - s * ds;
+                s = s * dc + c * ds;
+                c = c2;
             }
-            const double c2 = c * dc - s * ds;
-            s = s * dc + c * ds;
-            c = c2;
+            const AxisWalk stretch{count, w.inner, 1};
+            rotateBlock(a + o * block + k0 * w.inner, b + o * block + k0 * w.inner, stretch, cf,
+                        sf);
         }
     }
+}
+
+// Rotates the pairs (a[i], b[i]) along one axis. The angle of point k is a0 + k*step; every
+// block starts again at a0, so the table of the angles is worked out once for all blocks.
+void rotateWalk(float* a, float* b, const AxisWalk& w, double a0, double step) {
+    std::vector<float> table;
+    if (w.outer > 1) {
+        try {
+            table.resize(2 * w.n);
+        } catch (const std::bad_alloc&) {
+            table.clear();
+        }
+    }
+    if (table.empty()) return rotateStreaming(a, b, w, a0, step);
+    rotationTable(a0, step, w.n, table.data(), table.data() + w.n);
+    const size_t block = w.n * w.inner;
+    for (size_t o = 0; o < w.outer; ++o)
+        rotateBlock(a + o * block, b + o * block, w, table.data(), table.data() + w.n);
 }
 
 // Applies (phaseA, phaseB) to the pairs (a, b) laid out as w describes, with the shortcuts
