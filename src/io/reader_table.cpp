@@ -1,6 +1,7 @@
 #include "io/reader_table.h"
 
 #include "io/bruker/bruker_reader.h"
+#include "io/nmrpipe/nmrpipe_reader.h"
 
 namespace zolt {
 
@@ -30,7 +31,7 @@ constexpr ReaderRow kReaders[] = {
     {FormatCode::MacNmr, "MacNMR", nullptr, nullptr},
     {FormatCode::Alice, "Alice", nullptr, nullptr},
     {FormatCode::Ascii, "ASCII", nullptr, nullptr},
-    {FormatCode::NmrPipe, "NMRPipe", nullptr, nullptr},
+    {FormatCode::NmrPipe, "NMRPipe", readNmrPipe, nullptr},
     {FormatCode::MacFid, "MacFID", nullptr, nullptr},
     {FormatCode::Simpson, "Simpson", nullptr, nullptr},
     {FormatCode::Nuts2, "Nuts 2", nullptr, nullptr},
