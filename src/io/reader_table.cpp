@@ -2,6 +2,7 @@
 
 #include "io/bruker/bruker_reader.h"
 #include "io/nmrpipe/nmrpipe_reader.h"
+#include "io/text_header/text_header_reader.h"
 
 namespace zolt {
 
@@ -26,7 +27,7 @@ constexpr ReaderRow kReaders[] = {
     {FormatCode::JeolGx, "Jeol GX", nullptr, nullptr},
     {FormatCode::JcampDx, "JCAMP-DX", nullptr, nullptr},
     {FormatCode::GeMedNmr, "GE_MED_NMR", nullptr, nullptr},
-    {FormatCode::Siemens, "Siemens", nullptr, nullptr},
+    {FormatCode::Siemens, "Siemens", readTextHeader, nullptr},
     {FormatCode::Philips, "Philips", nullptr, nullptr},
     {FormatCode::MacNmr, "MacNMR", nullptr, nullptr},
     {FormatCode::Alice, "Alice", nullptr, nullptr},
