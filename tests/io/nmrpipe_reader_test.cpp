@@ -209,6 +209,14 @@ TEST_F(NmrPipeReader, HsqcFidIsTwoDimensionalWithCarbonAndProtonAxes) {
     float lastImaginary = 0;
     std::memcpy(&lastImaginary, bytes.data() + bytes.size() - 4, 4);
     EXPECT_EQ(m->im.back(), lastImaginary);
+
+    // Opened as a document it transforms along both axes.
+    auto doc = readDocument(pipeFile("hsqc.fid"), Preferences{}, failure);
+    ASSERT_TRUE(doc) << failure.text;
+    EXPECT_EQ(doc->matrix.dimensions, 2);
+    EXPECT_EQ(doc->source.provenance, "NMRPipe");
+    ASSERT_TRUE(testdata::transformAll(*doc));
+    EXPECT_EQ(doc->source.highestTIndex, 0);
 }
 
 // Header words edited in a copy of the aspirin FID.
