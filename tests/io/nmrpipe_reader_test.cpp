@@ -165,6 +165,12 @@ TEST_F(NmrPipeReader, TransformedRealSpectrumHasItsPeaksWhereTheBrukerOneHas) {
     EXPECT_TRUE(m->state & matrix_state::kRealOnly);
     EXPECT_TRUE(m->im.empty());
 
+    auto doc = readDocument(pipeFile("aspirin-1h.ft1"), Preferences{}, failure);
+    ASSERT_TRUE(doc) << failure.text;
+    EXPECT_EQ(doc->matrix.re, m->re);
+    EXPECT_EQ(testdata::transformAll(*doc), true);  // nothing left in the time domain
+    EXPECT_EQ(doc->matrix.re, m->re);
+
     const auto vendor = testdata::vendorSpectrum("aspirin-1h-processed");
     ASSERT_TRUE(vendor);
     // Not phased: the largest absolute real value of a line lies within its width (2 Hz).

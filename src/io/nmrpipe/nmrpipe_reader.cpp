@@ -59,7 +59,7 @@ std::optional<DataSetRead> readNmrPipe(const std::string& path, const ReadOption
     const auto points = countOf(h->value(kDirectSize));
     const auto rows = countOf(h->value(kRowCount));
     if (!points || !rows) return std::nullopt;
-    int dimensions = std::clamp(static_cast<int>(h->value(kDimensionCount)), 1, 3);
+    int dimensions = static_cast<int>(std::clamp(h->value(kDimensionCount), 1.0, 3.0));
     if (h->value(kFileCount) > 1.0) dimensions = std::min(dimensions, 2);
     const bool twoD = *rows > 1;
     dimensions = twoD ? std::min(dimensions, 2) : 1;
