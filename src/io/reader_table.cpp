@@ -1,6 +1,8 @@
 #include "io/reader_table.h"
 
 #include "io/bruker/bruker_reader.h"
+#include "io/nmrpipe/nmrpipe_reader.h"
+#include "io/text_header/text_header_reader.h"
 
 namespace zolt {
 
@@ -25,12 +27,12 @@ constexpr ReaderRow kReaders[] = {
     {FormatCode::JeolGx, "Jeol GX", nullptr, nullptr},
     {FormatCode::JcampDx, "JCAMP-DX", nullptr, nullptr},
     {FormatCode::GeMedNmr, "GE_MED_NMR", nullptr, nullptr},
-    {FormatCode::Siemens, "Siemens", nullptr, nullptr},
+    {FormatCode::Siemens, "Siemens", readTextHeader, nullptr},
     {FormatCode::Philips, "Philips", nullptr, nullptr},
     {FormatCode::MacNmr, "MacNMR", nullptr, nullptr},
     {FormatCode::Alice, "Alice", nullptr, nullptr},
     {FormatCode::Ascii, "ASCII", nullptr, nullptr},
-    {FormatCode::NmrPipe, "NMRPipe", nullptr, nullptr},
+    {FormatCode::NmrPipe, "NMRPipe", readNmrPipe, nullptr},
     {FormatCode::MacFid, "MacFID", nullptr, nullptr},
     {FormatCode::Simpson, "Simpson", nullptr, nullptr},
     {FormatCode::Nuts2, "Nuts 2", nullptr, nullptr},
