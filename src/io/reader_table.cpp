@@ -1,6 +1,7 @@
 #include "io/reader_table.h"
 
 #include "io/bruker/bruker_reader.h"
+#include "io/varian/varian_reader.h"
 
 namespace zolt {
 
@@ -13,7 +14,7 @@ constexpr ReaderRow kReaders[] = {
     {FormatCode::Zolt, "Zolt", nullptr, "plist.zolt"},
     {FormatCode::Bruker, "Bruker", readBrukerFolder, "acqus"},
     {FormatCode::ParaVision, "ParaVision", readParaVision, "acqp"},
-    {FormatCode::Varian, "Varian", nullptr, nullptr},
+    {FormatCode::Varian, "Varian", readVarianFolder, "procpar"},
     {FormatCode::Spinsight, "Spinsight", nullptr, nullptr},
     {FormatCode::WinNmr, "Win-NMR", readWinNmr, nullptr},
     {FormatCode::CaraXEasy, "CARA-XEasy", nullptr, nullptr},
