@@ -104,18 +104,15 @@ TEST_F(DamagedVarian, MissingTruncatedOrCorruptedFidsGiveTheFormatsMessage) {
     for (size_t size : {size_t{0}, size_t{20}, size_t{32}, size_t{100}, raw_.size() / 2})
         expectIncoherent(raw_.substr(0, size));
 
-    std::string corrupt = raw_;
-    corrupt[8] = '\x7F';  // points per trace beyond the block
-    expectIncoherent(corrupt);
-    corrupt = raw_;
-    corrupt[20] = corrupt[21] = corrupt[22] = corrupt[23] = 0;  // blocks of no size
-    expectIncoherent(corrupt);
-    corrupt = raw_;
-    corrupt[4] = corrupt[5] = corrupt[6] = corrupt[7] = 0;  // no traces
-    expectIncoherent(corrupt);
+    // Points per trace beyond the block, blocks of no size, no traces.
+    for (size_t at : {size_t{8}, size_t{20}, size_t{4}}) {
+        std::string corrupt = raw_;
+        corrupt.replace(at, 4, at == 8 ? std::string("\x7F\0\0\0", 4) : std::string(4, '\0'));
+        expectIncoherent(corrupt);
+    }
 
     // Noise in the values or a block header is read, not refused.
-    corrupt = raw_;
+    std::string corrupt = raw_;
     for (size_t i = 32; i < corrupt.size(); i += 7) corrupt[i] = static_cast<char>(i * 31);
     std::ofstream(dir_ + "/fid", std::ios::binary | std::ios::trunc) << corrupt;
     EXPECT_TRUE(readDocument(dir_, Preferences{}, failure)) << failure.text;
