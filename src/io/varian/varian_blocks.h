@@ -48,8 +48,8 @@ uint32_t varianBlocksPresent(const VarianFileHeader& h, uint64_t fileSize);
 // blockHeader bytes of header and blockSize bytes of values, which fill the matrix in order
 // (complex values as adjacent pairs, conjugated into our quadrature sense). A block whose
 // completed-transients count is below 1 was never acquired and stays zero; a non-zero scale s
-// multiplies the block by 2^|s|. False when the matrix would need blocks that do not even begin in
-// the file.
+// multiplies the block by 2^|s|. False when the header of a block the matrix needs lies beyond
+// the file (checked before the matrix is allocated); values missing at the file's end stay zero.
 bool varianBlocksFit(const SpectrumSource& source, uint64_t matrixValues, uint64_t fileSize);
 // Fills the matrix, whose arrays are allocated and zero; false when the file cannot be read.
 bool readVarianBlocks(const SpectrumSource& source, SpectrumMatrix& matrix);

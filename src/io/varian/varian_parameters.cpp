@@ -138,9 +138,8 @@ bool parseVarianNucleus(std::string_view text, char (&atom)[3], int& massNumber)
     atom[0] = text[0];
     if (i < text.size() && std::islower(static_cast<unsigned char>(text[i]))) atom[1] = text[i++];
     int mass = 0;
-    const auto [end, ec] = std::from_chars(text.data() + i, text.data() + text.size(), mass);
-    if (ec != std::errc() || mass <= 0 || mass > 255) return false;
-    (void)end;
+    const auto result = std::from_chars(text.data() + i, text.data() + text.size(), mass);
+    if (result.ec != std::errc() || mass <= 0 || mass > 255) return false;
     massNumber = mass;
     return true;
 }
