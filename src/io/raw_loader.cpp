@@ -10,6 +10,8 @@
 #include <new>
 #include <vector>
 
+#include "io/varian/varian_blocks.h"
+
 namespace zolt {
 namespace {
 
@@ -275,8 +277,9 @@ std::optional<float> readRawValue(const SpectrumSource& source, uint64_t byteOff
 std::optional<SpectrumMatrix> loadMatrix(const SpectrumSource& source) {
     using namespace source_flags;
     const uint32_t flags = normalisedFlags(source.flags);
-    if (flags & (kVarianBinary | kVaxFloats)) return std::nullopt;
+    if (flags & kVaxFloats) return std::nullopt;
     const bool memory = source.numberType == NumberType::InMemory;
+    const bool varian = (flags & kVarianBinary) && !memory;
     Decoding d;
     d.type = memory ? NumberType::Float : source.numberType;
     d.littleEndian = memory ? std::endian::native == std::endian::little : (flags & kLittleEndian);
@@ -318,7 +321,8 @@ std::optional<SpectrumMatrix> loadMatrix(const SpectrumSource& source) {
     const bool tiled = (flags & kBlockMatrix) && !memory;
     const auto layout = tiled ? planTiles(source, sh, in.size, d.valueBytes)
                               : planRows(source, sh, in.size, d.valueBytes, memory);
-    if (!layout) return std::nullopt;
+    if (varian ? !varianBlocksFit(source, sh.points * (sh.realOnly ? 1 : 2), in.size) : !layout)
+        return std::nullopt;
     try {
         m.re.assign(sh.points, 0.0f);
         if (!sh.realOnly) m.im.assign(sh.points, 0.0f);
@@ -330,7 +334,9 @@ std::optional<SpectrumMatrix> loadMatrix(const SpectrumSource& source) {
     } catch (const std::bad_alloc&) {
         return std::nullopt;
     }
-    if (layout->tiled)
+    if (varian) {
+        if (!readVarianBlocks(source, m)) return std::nullopt;
+    } else if (layout->tiled)
         readTiles(in, sh, *layout, m, d);
     else
         readRows(in, sh, *layout, m, d);

@@ -3,6 +3,7 @@
 #include "io/bruker/bruker_reader.h"
 #include "io/nmrpipe/nmrpipe_reader.h"
 #include "io/text_header/text_header_reader.h"
+#include "io/varian/varian_reader.h"
 
 namespace zolt {
 
@@ -15,7 +16,7 @@ constexpr ReaderRow kReaders[] = {
     {FormatCode::Zolt, "Zolt", nullptr, "plist.zolt"},
     {FormatCode::Bruker, "Bruker", readBrukerFolder, "acqus"},
     {FormatCode::ParaVision, "ParaVision", readParaVision, "acqp"},
-    {FormatCode::Varian, "Varian", nullptr, nullptr},
+    {FormatCode::Varian, "Varian", readVarianFolder, "procpar"},
     {FormatCode::Spinsight, "Spinsight", nullptr, nullptr},
     {FormatCode::WinNmr, "Win-NMR", readWinNmr, nullptr},
     {FormatCode::CaraXEasy, "CARA-XEasy", nullptr, nullptr},

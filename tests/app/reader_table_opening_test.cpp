@@ -111,8 +111,8 @@ TEST_F(ReaderTableOpening, ARecognisedFormatWithoutAWorkingReaderIsIncoherent) {
     EXPECT_FALSE(open(file_, failure, withPointsFormat()));
     expectFailure(failure, "This ASCII file seems incoherent");
 
-    // Recognised by its procpar, a real Varian experiment has no reader yet.
-    const std::string varian = testdata::shared("varian/1H.fid");
+    // Recognised by its procpar, a Varian experiment whose fid is missing.
+    const std::string varian = testdata::shared("varian/missing.fid");
     for (const std::string& path : {varian, varian + "/fid"}) {
         SCOPED_TRACE(path);
         failure = {};
