@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""The peer of bench/peer_work_bench.cpp: the same work written with NumPy only.
+"""The peer of bench/ft_pipeline_bench.cpp (its 16K aspirin and 2048 x 1024 HSQC): the same
+work written with NumPy only.
 
   aspirin-1h: 8K complex FID, exponential weighting (0.3 Hz), filled to 16K, FFT, phase.
   cyclosporin-hsqc: f2 weighted, filled to 2048, FFT and phase per row; f1 States pairs
