@@ -27,18 +27,16 @@ size_t integerField(lua_State* L, int table, const char* key, size_t def) {
 int copy(lua_State* L) {
     SpectrumDocument* d = firstTarget(L);
     if (!d) return 0;
-    {
-        const PlaneValues plane = currentPlane(*d);
-        const size_t n = plane.values.size();
-        lua_createtable(L, static_cast<int>(std::min<size_t>(n, INT32_MAX)), 3);
-        for (size_t i = 0; i < n; ++i) {
-            lua_pushnumber(L, plane.values[i]);
-            lua_rawseti(L, -2, static_cast<int>(i + 1));
-        }
-        setNumberField(L, "x", double(plane.x));
-        setNumberField(L, "y", double(plane.y));
-        setNumberField(L, "z", double(plane.z));
+    const PlaneValues plane = currentPlane(*d);
+    const size_t n = plane.values.size();
+    lua_createtable(L, static_cast<int>(std::min<size_t>(n, INT32_MAX)), 3);
+    for (size_t i = 0; i < n; ++i) {
+        lua_pushnumber(L, plane.values[i]);
+        lua_rawseti(L, -2, static_cast<int>(i + 1));
     }
+    setNumberField(L, "x", double(plane.x));
+    setNumberField(L, "y", double(plane.y));
+    setNumberField(L, "z", double(plane.z));
     return 1;
 }
 
