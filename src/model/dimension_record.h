@@ -15,7 +15,7 @@ struct DimensionRecord {
     float phase1 = 0.0f;          // radians across the axis
     float timeShift = 0.0f;       // points
     uint8_t isotope = 0;
-    char atom[2] = {0, 0};        // "H", "C", "Si"; ".." marks a pseudo-dimension
+    char atom[2] = {0, 0};  // "H", "C", "Si"; ".." marks a pseudo-dimension
 };
 
 // Spectrometer phases in degrees are stored as degrees times this factor.

@@ -43,12 +43,12 @@ enum class Shuffling : uint8_t { None = 0, PhaseSensitive = 1, EchoAntiEcho = 2 
 
 // Index of each weighting parameter in FourierTransformStep::weights.
 enum WeightIndex : int {
-    kWeightExponential = 0,   // Hz
-    kWeightGaussian = 1,      // Hz
-    kWeightSineBell = 2,      // degrees
-    kWeightSquaredSine = 3,   // degrees
-    kWeightTruncation = 4,    // per cent of the points kept
-    kWeightFirstPoint = 5,    // multiplier
+    kWeightExponential = 0,  // Hz
+    kWeightGaussian = 1,     // Hz
+    kWeightSineBell = 2,     // degrees
+    kWeightSquaredSine = 3,  // degrees
+    kWeightTruncation = 4,   // per cent of the points kept
+    kWeightFirstPoint = 5,   // multiplier
 };
 
 struct FourierTransformStep {
@@ -69,7 +69,7 @@ struct LinearPredictionStep {
 };
 
 struct PolynomialStep {
-    int8_t order = -1;  // negative: no polynomial, nothing saved
+    int8_t order = -1;                 // negative: no polynomial, nothing saved
     std::vector<double> coefficients;  // order + 1
 };
 
@@ -104,9 +104,9 @@ struct QrDosyStep {
     int32_t smooth = 0, mask = 0, overPercent = 0;
 };
 
-using StepData = std::variant<HighPassFilterStep, LinearPredictionStep, FourierTransformStep,
-                              PolynomialStep, BaseplaneStep, DataReductionStep,
-                              MonoExponentialFitStep, QrDosyStep>;
+using StepData =
+    std::variant<HighPassFilterStep, LinearPredictionStep, FourierTransformStep, PolynomialStep,
+                 BaseplaneStep, DataReductionStep, MonoExponentialFitStep, QrDosyStep>;
 
 struct ProcessingStep {
     uint8_t dimension = 1;  // 1 = f1, 2 = f2, 3 = f3
@@ -119,9 +119,15 @@ struct ProcessingStep {
 
 // Bits of the document's mask of operations performed.
 namespace done_mask {
-constexpr uint32_t transformed(int d) { return 1u << (8 * d); }
-constexpr uint32_t suppressed(int d) { return 1u << (8 * d + 1); }
-constexpr uint32_t predicted(int d) { return 1u << (8 * d + 2); }
+constexpr uint32_t transformed(int d) {
+    return 1u << (8 * d);
+}
+constexpr uint32_t suppressed(int d) {
+    return 1u << (8 * d + 1);
+}
+constexpr uint32_t predicted(int d) {
+    return 1u << (8 * d + 2);
+}
 inline constexpr uint32_t kTilting = 0x10;
 inline constexpr uint32_t kSymmetrizeRectangular = 0x20;
 inline constexpr uint32_t kSymmetrizeSquare = 0x40;

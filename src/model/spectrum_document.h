@@ -5,7 +5,11 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "model/display_record.h"
+#include "model/integral_region.h"
+#include "model/peak_list.h"
 #include "model/processing_step.h"
 #include "model/spectrum_matrix.h"
 #include "model/spectrum_source.h"
@@ -67,6 +71,12 @@ struct SpectrumDocument {
     uint32_t flags = 0;  // document_flags
     // The spectrometer's own processing of each axis (by f-index), when the reader found it.
     std::array<VendorProcessing, 4> vendorProcessing{};
+    // What the window shows and at which scale; the normalisation of the integrals.
+    PageRecord page;
+    PeakLists peaks;
+    std::vector<IntegralRegion> integrals;
+    // Marked ppm positions of the horizontal and of the vertical axis.
+    std::array<std::vector<float>, 2> marks;
     // Shared by copies: it is never changed once read.
     std::shared_ptr<const KeptKeys> keptKeys;
 };

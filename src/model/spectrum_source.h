@@ -11,12 +11,12 @@
 namespace zolt {
 
 enum class NumberType : uint8_t {
-    Long = 0,          // 32-bit integer
-    Short = 1,         // 16-bit integer
-    Float = 2,         // 32-bit float
-    Bits24 = 3,        // 24-bit integer
-    Double = 4,        // 64-bit float
-    AsciiSqueezed = 5, // JCAMP-DX compressed text
+    Long = 0,           // 32-bit integer
+    Short = 1,          // 16-bit integer
+    Float = 2,          // 32-bit float
+    Bits24 = 3,         // 24-bit integer
+    Double = 4,         // 64-bit float
+    AsciiSqueezed = 5,  // JCAMP-DX compressed text
     Text = 6,
     XEasy16 = 7,
     InMemory = 8,
@@ -54,8 +54,8 @@ const std::vector<SourceFlagName>& sourceFlagNames();
 inline constexpr uint32_t kDefaultBlockSize = 0x100000;
 
 struct SpectrumSource {
-    std::string rawPath;   // full path of the raw data file
-    std::string fileName;  // bare file name
+    std::string rawPath;              // full path of the raw data file
+    std::string fileName;             // bare file name
     std::string provenance = "Zolt";  // the format the data were read from
     std::array<DimensionRecord, 4> dims{};
     std::array<uint8_t, 4> ftPreferences{};  // per f-index 1-3; [0] unused
@@ -66,9 +66,9 @@ struct SpectrumSource {
     // Rows per tile of a block-matrix file (1 to 255); 0 for square tiles or no tiles.
     uint8_t subMatrixHeight = 0;
     uint32_t flags = 0;
-    uint32_t headerSize = 0;   // bytes skipped at the start of the file
-    uint32_t blockHeader = 0;  // bytes skipped before each block
-    uint32_t blockSize = 0;    // bytes per block (a padded ser row)
+    uint32_t headerSize = 0;                            // bytes skipped at the start of the file
+    uint32_t blockHeader = 0;                           // bytes skipped before each block
+    uint32_t blockSize = 0;                             // bytes per block (a padded ser row)
     float yFactorReal = 1.0f, yFactorImaginary = 1.0f;  // JCAMP-DX compressed form
     std::vector<float> memory;  // InMemory: interleaved or real-only samples
 };
