@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/paths.h"
+#include "display/default_display.h"
 #include "document/document_file.h"
 #include "document/processing_replay.h"
 #include "io/companion_document.h"
@@ -38,6 +39,7 @@ std::unique_ptr<SpectrumDocument> readSavedDocument(const std::string& documentP
     doc->windowName = windowNameFor(doc->source);
     replayProcessing(*doc, !prefs.has(pref_flags::kShowPlan));
     addDefaultFourierTransformSteps(*doc);
+    completeDisplay(*doc);
     return doc;
 }
 
@@ -73,6 +75,7 @@ std::unique_ptr<SpectrumDocument> readDocument(const std::string& path, const Pr
     doc->matrix = std::move(*matrix);
     doc->windowName = windowNameFor(doc->source);
     addDefaultFourierTransformSteps(*doc);
+    completeDisplay(*doc);
     return doc;
 }
 

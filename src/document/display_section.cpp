@@ -4,6 +4,7 @@
 #include <array>
 #include <string>
 
+#include "document/display_records.h"
 #include "document/tree_reading.h"
 
 namespace zolt {
@@ -45,6 +46,8 @@ plist::Value* windowStateToTree(const SpectrumDocument& doc) {
     setStringIfSet(w, "solvent", m.solvent);
     setStringIfSet(w, "pulse sequence", m.pulseSequence);
     if (m.temperature != 0.0f) plist::setReal(w, "temperature", m.temperature);
+    // The first page's record lives here; "pages" holds the pages after it.
+    addPageRecordKeys(w, doc.page);
     return w;
 }
 
@@ -64,6 +67,7 @@ void windowStateFromTree(const Value* w, SpectrumDocument& doc) {
     m.solvent = tree::stringOr(w, "solvent");
     m.pulseSequence = tree::stringOr(w, "pulse sequence");
     m.temperature = static_cast<float>(tree::number(w, "temperature").value_or(0.0));
+    doc.page = pageRecordFromTree(w);
 }
 
 bool isWindowStateKey(std::string_view key) {
@@ -73,7 +77,7 @@ bool isWindowStateKey(std::string_view key) {
         "solvent",          "pulse sequence", "temperature"};
     for (std::string_view k : kKeys)
         if (k == key) return true;
-    return false;
+    return isPageRecordKey(key);
 }
 
 plist::Value* xyzIndexToTree(const SpectrumSource& source) {

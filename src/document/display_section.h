@@ -10,7 +10,8 @@
 namespace zolt {
 
 plist::Value* windowStateToTree(const SpectrumDocument& doc);
-// Restores the window state and the metadata; nothing changes without a dictionary.
+// Restores the window state, the metadata and the first page's record (no plots when the file
+// has none); nothing changes without a dictionary.
 void windowStateFromTree(const plist::Value* windowState, SpectrumDocument& doc);
 // Whether windowStateToTree fills the key (whether or not it writes it for a given document).
 bool isWindowStateKey(std::string_view key);
