@@ -6,6 +6,7 @@
 #include "app/document_opening.h"
 #include "document/document_file.h"
 #include "io/data_set_walk.h"
+#include "operations/display_operations.h"
 
 namespace zolt {
 
@@ -121,6 +122,7 @@ bool Application::reload(SpectrumDocument& document, bool clearProcessedChoice) 
     document.source = std::move(fresh->source);
     document.matrix = std::move(fresh->matrix);
     document.processing.doneMask = 0;
+    rescaleAfterDataChange(document);
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include "operations/transform_operations.h"
 
+#include "operations/display_operations.h"
 #include "processing/auto_phase.h"
 #include "processing/ft_pipeline.h"
 #include "processing/ft_step.h"
@@ -83,6 +84,7 @@ OperationResult weightAndTransform(SpectrumDocument& doc, const WeightAndTransfo
     setBit(after.flags, ft_flags::kStopBeforeTransform, false);
     if (result.outcome == FtOutcome::Transformed && wantsAutomaticPhase(doc, after))
         autoPhase(doc.matrix, doc.source.highestTIndex);
+    if (result.outcome == FtOutcome::Transformed) rescaleAfterDataChange(doc);
     return OperationResult{true, result.message};
 }
 
