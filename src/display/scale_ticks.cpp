@@ -13,7 +13,9 @@ constexpr size_t kMaxTicks = 10000;
 // n decimals when the minor step needs them, none for steps of about 1 ... 1000, powers of
 // ten beyond.
 std::string labelFormat(double minorStep) {
-    const int n = static_cast<int>(std::trunc(0.999999 - std::log10(2.0 * std::fabs(minorStep))));
+    const double digits = std::trunc(0.999999 - std::log10(2.0 * std::fabs(minorStep)));
+    if (!(std::fabs(digits) < 1000)) return "%0.1e";  // a step of 0 or beyond any scale
+    const int n = static_cast<int>(digits);
     if (n > 0) {
         std::string f = "%#1.0f";
         f[4] = static_cast<char>('0' + n % 8);
@@ -32,13 +34,20 @@ bool printsOneNumber(std::string_view f) {
     while (i < f.size() &&
            std::string_view("#0-+ .0123456789").find(f[i]) != std::string_view::npos)
         ++i;
-    return i < f.size() && std::string_view("feEgG").find(f[i]) != std::string_view::npos;
+    // A short width and precision: a label fits a scale.
+    return i < f.size() && i - percent <= 6 &&
+           std::string_view("feEgG").find(f[i]) != std::string_view::npos;
 }
 
 }  // namespace
 
 ScaleTicks chooseTicks(double a, double b, double d, std::string_view fixedFormat) {
     ScaleTicks t;
+    // No step, or no scale: no ticks (tickList gives none for a zero step).
+    if (!(d > 0) || !std::isfinite(d) || !std::isfinite(a) || !std::isfinite(b)) {
+        t.format = labelFormat(1.0);
+        return t;
+    }
     // p is a power of ten near d, then moved to 1, 2 or 5 times one: 1.45 * 0.5 * 0.6 = 0.435.
     double p = std::pow(10.0, std::round(std::log10(d)));
     int m = 5;
@@ -58,7 +67,8 @@ ScaleTicks chooseTicks(double a, double b, double d, std::string_view fixedForma
     else if ((T - P - a) * direction >= 0)
         T -= P;
     const double q = P / m;
-    const double k = std::trunc((T - a) / q);
+    double k = std::trunc((T - a) / q);
+    if (!(std::fabs(k) < m)) k = 0;  // only rounding at the edge of the range can get here
     t.first = T - k * q;
     t.minorStep = q;
     t.end = b + 0.001 * q;

@@ -65,7 +65,10 @@ TEST(ScaleTicks, StartBetweenTicksBeginsAtTheNextMinorOneAndUpwardScalesWork) {
     // A user's format is taken only when it prints one number.
     EXPECT_EQ(chooseTicks(10, 0, 1, "%.2f ppm").format, "%.2f ppm");
     EXPECT_EQ(chooseTicks(10, 0, 1, "%s").format, "%0.0f");
-    EXPECT_TRUE(tickList(chooseTicks(1, 1, 0)).size() <= 10000u);  // a span of nothing
+    EXPECT_TRUE(tickList(chooseTicks(1, 1, 0)).empty());  // a span of nothing
+    EXPECT_TRUE(tickList(chooseTicks(1, 0, std::nan(""))).empty());
+    EXPECT_EQ(tickList(chooseTicks(1e6, -1e6, 1e-3)).size(), 10000u);  // bounded
+    EXPECT_TRUE(tickList(chooseTicks(1e300, -1e300, 1e-300)).empty());
 }
 
 TEST(VerticalScale, AmplificationClampsAndAFactorThatIsNoNumberChangesNothing) {
