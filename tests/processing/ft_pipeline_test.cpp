@@ -302,29 +302,6 @@ TEST(FtPipeline, NusListsOnlyHoldIncrementNumbers) {
 
 // ---- real spectrometer data ----
 
-TEST(FtPipeline, AspirinMatchesTheVendorSpectrum) {
-    auto doc = testdata::openExperiment("aspirin-1h");
-    ASSERT_TRUE(doc);
-    auto* step = findFourierTransformStep(doc->processing, 1);
-    ASSERT_TRUE(step);
-    step->ftSize = 32768;
-    step->flags |= ft_flags::kApplyWeights | ft_flags::kExponential;
-    step->weights[kWeightExponential] = 0.3f;
-    ASSERT_EQ(transformNextDimension(*doc).outcome, FtOutcome::Transformed);
-    ASSERT_EQ(doc->matrix.dims[1].points, 32768u);
-    EXPECT_EQ(doc->source.highestTIndex, 0);
-
-    const auto vendor = testdata::vendorSpectrum("aspirin-1h-processed");
-    ASSERT_TRUE(vendor && !vendor->im.empty());
-    EXPECT_GE(testdata::correlationOverPpm(doc->matrix, *vendor, true), 0.99);
-    const auto ours = testdata::strongestPeaks(doc->matrix, 1, true);
-    const auto theirs = testdata::strongestPeaks(*vendor, 1, true);
-    ASSERT_TRUE(ours.size() == 1 && theirs.size() == 1);
-    const auto theirsInOurs = pointOfPpm(doc->matrix.dims[1], theirs[0].xPpm);
-    EXPECT_LE(std::abs(double(ours[0].x) - double(theirsInOurs)), 2.0);
-    EXPECT_NEAR(theirs[0].xPpm, 2.3, 0.1);  // the acetyl CH3
-}
-
 bool nearAny(double ppm, const std::vector<double>& list, double tolerance) {
     return std::any_of(list.begin(), list.end(),
                        [&](double p) { return std::abs(p - ppm) <= tolerance; });
