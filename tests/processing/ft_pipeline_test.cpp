@@ -134,28 +134,6 @@ TEST(FtPipeline, PhaseSensitivePairsBecomeHalfAsManyComplexPoints) {
     }
 }
 
-TEST(FtPipeline, EchoAntiEchoPairsAddAndSubtractIntoTwoHalves) {
-    auto doc = indirect2D(64, 4);
-    stepOf(doc, 1, 64, ft_flags::kStopBeforeTransform | ft_flags::kHypercomplex,
-           Shuffling::EchoAntiEcho);
-    transformNextDimension(doc);
-    const auto& m = doc.matrix;
-    EXPECT_EQ(m.dims[0].points, 2u);
-    ASSERT_EQ(m.re.size(), 2u * 4u * 64u);
-    const float scale = 32.0f / 64.0f;
-    const size_t half = 4 * 64;
-    for (uint32_t c = 0; c < 4; ++c)
-        for (uint32_t k : {0u, 5u, 31u}) {
-            const float reE = re2D(2 * k, c), reA = re2D(2 * k + 1, c);
-            const float imE = im2D(2 * k, c), imA = im2D(2 * k + 1, c);
-            EXPECT_FLOAT_EQ(m.re[c * 64 + k], (reE + reA) * scale);
-            EXPECT_FLOAT_EQ(m.im[c * 64 + k], (imA - imE) * scale);
-            EXPECT_FLOAT_EQ(m.re[half + c * 64 + k], (imA + imE) * scale);
-            EXPECT_FLOAT_EQ(m.im[half + c * 64 + k], (reE - reA) * scale);
-            EXPECT_EQ(m.re[half + c * 64 + 32 + k], 0.0f);
-        }
-}
-
 TEST(FtPipeline, SizesBelow32LeaveTheAxisUntransformedWithoutPhase) {
     auto doc = fid1D(64, [](size_t m) { return std::complex<double>(m, 1.0); });
     doc.matrix.dims[1].phase0 = 1.0f;
@@ -188,23 +166,6 @@ TEST(FtPipeline, TooLargeASpectrumIsRefusedWithTheDataUntouched) {
     EXPECT_EQ(doc.matrix.im, std::vector<float>(64 * 1024, -0.5f));
     EXPECT_EQ(doc.matrix.dims[2].points, 64u);
     EXPECT_EQ(doc.source.highestTIndex, 2);
-}
-
-TEST(FtPipeline, FilterDelayIsCompensatedByTheFirstOrderPhase) {
-    const size_t n = 2048, delay = 68;
-    auto doc = fid1D(n, [&](size_t m) {
-        if (m < delay) return std::complex<double>(0.0, 0.0);
-        const double t = static_cast<double>(m - delay);
-        return std::polar(std::exp(-0.003 * t), 2 * kPi * 0.125 * t);
-    });
-    doc.matrix.dims[1].timeShift = -68.0f;
-    stepOf(doc, 1, 4096, ft_flags::kQuadrature);
-    transformNextDimension(doc);
-    const auto& m = doc.matrix;
-    const size_t peak = tallestModulus(m);
-    EXPECT_NEAR(m.re[peak], std::hypot(m.re[peak], m.im[peak]), 1e-2 * m.re[peak]);
-    EXPECT_EQ(peak, 1536u);
-    EXPECT_EQ(m.dims[1].timeShift, -68.0f);  // kept: the data carry it as a first order
 }
 
 TEST(FtPipeline, DcOffsetIsTakenFromTheTailAndSparesTheFilterDelay) {
