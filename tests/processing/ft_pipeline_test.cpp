@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "app/document_opening.h"
 #include "processing/ft_step.h"
 #include "processing/linear_prediction.h"
 #include "test_data.h"
@@ -261,7 +262,64 @@ TEST(FtPipeline, NusListsOnlyHoldIncrementNumbers) {
     std::filesystem::remove_all(dir);
 }
 
+// The two refusals of the NUS entry, with their exact caption and text, leave the data as they
+// were. Two pairs of sampled rows of 32 points on a grid of 2^25 rows: 2^30 floats per array.
+TEST(FtPipeline, FullGridBeyondTheLimitIsRefusedAsInsufficientMemory) {
+    const std::string dir = testdata::freshTempDir("nus-memory");
+    std::ofstream(dir + "/nuslist") << "0\n16777215\n";
+    auto doc = indirect2D(4, 32);
+    doc.source.rawPath = dir + "/ser";
+    doc.matrix.dims[1].pointsAfterNus = 1u << 25;
+    stepOf(doc, 1, 32, ft_flags::kQuadrature);
+    const SpectrumMatrix before = doc.matrix;
+
+    const FtResult result = transformNextDimension(doc);
+    std::filesystem::remove_all(dir);
+    EXPECT_EQ(result.outcome, FtOutcome::NusNoMemory);
+    ASSERT_TRUE(result.message);
+    EXPECT_EQ(result.message->caption, "Insufficient Memory");
+    EXPECT_EQ(result.message->text,
+              "Could not allocate the expanded matrix for NUS reconstruction. Try reducing the "
+              "Zero Filling or closing other spectra.");
+    EXPECT_EQ(doc.matrix.re, before.re);
+    EXPECT_EQ(doc.matrix.im, before.im);
+    EXPECT_EQ(doc.matrix.dims[1].points, 4u);
+    EXPECT_EQ(doc.source.highestTIndex, 1);
+}
+
 // ---- real spectrometer data ----
+
+TEST(FtPipeline, RealHsqcWithoutItsSamplingListStaysInTheTimeDomain) {
+    const std::string original = testdata::bruker("hsqc-nus");
+    const std::string dir = testdata::freshTempDir("nus-missing");
+    for (const char* file : {"acqus", "acqu2s", "pulseprogram", "ser"})
+        std::filesystem::copy_file(original + "/" + file, dir + "/" + file);
+    Message failure;
+    auto doc = readDocument(dir, Preferences{}, failure);
+    ASSERT_TRUE(doc) << failure.text;
+    ASSERT_EQ(doc->matrix.dims[1].pointsAfterNus, 1024u);
+    ASSERT_EQ(transformNextDimension(*doc).outcome, FtOutcome::Transformed);
+    const SpectrumMatrix before = doc->matrix;
+
+    const FtResult missing = transformNextDimension(*doc);
+    EXPECT_EQ(missing.outcome, FtOutcome::NusListMissing);
+    ASSERT_TRUE(missing.message);
+    EXPECT_EQ(missing.message->caption, "Missing NUS Metadata");
+    EXPECT_EQ(missing.message->text,
+              "The file 'nuslist' is missing or unreadable. This file is required to map the "
+              "experimental points onto the full grid.");
+    EXPECT_EQ(doc->matrix.re, before.re);
+    EXPECT_EQ(doc->matrix.im, before.im);
+    EXPECT_EQ(doc->matrix.dims[1].points, 256u);
+    EXPECT_EQ(doc->source.highestTIndex, 1);
+
+    // With the list beside the data the same document goes on to the full grid.
+    std::filesystem::copy_file(original + "/nuslist", dir + "/nuslist");
+    EXPECT_EQ(transformNextDimension(*doc).outcome, FtOutcome::Transformed);
+    EXPECT_EQ(doc->matrix.dims[1].points, findFourierTransformStep(doc->processing, 1)->ftSize);
+    EXPECT_EQ(doc->source.highestTIndex, 0);
+    std::filesystem::remove_all(dir);
+}
 
 bool nearAny(double ppm, const std::vector<double>& list, double tolerance) {
     return std::any_of(list.begin(), list.end(),
