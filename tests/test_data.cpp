@@ -1,7 +1,9 @@
 #include "test_data.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -148,6 +150,42 @@ double negativeShare(const std::vector<float>& re) {
     double positive = 0.0, negative = 0.0;
     for (float v : re) (v > 0 ? positive : negative) += v;
     return -negative / positive;
+}
+
+std::string axisText(const DimensionRecord& d) {
+    // Adding zero turns a stored -0 into 0: the sign of a zero is no property of the axis.
+    const auto real = [](float v) { return double{v + 0.0f}; };
+    char text[200];
+    const std::string atom(d.atom, strnlen(d.atom, 2));
+    const std::string nucleus = (d.isotope ? std::to_string(d.isotope) : "") + atom;
+    int n = std::snprintf(text, sizeof text, "%u %s sw %.7g lo %.7g at %.7g shift %.7g", d.points,
+                          nucleus.c_str(), real(d.spectralWidth), real(d.lowestPpm),
+                          real(d.carrier), real(d.timeShift));
+    if (d.pointsAfterNus)
+        n += std::snprintf(text + n, sizeof text - n, " nus %u", d.pointsAfterNus);
+    if (d.phase0 != 0.0f || d.phase1 != 0.0f)
+        std::snprintf(text + n, sizeof text - n, " phase %.7g %.7g", real(d.phase0),
+                      real(d.phase1));
+    return text;
+}
+
+std::string sourceText(const SpectrumSource& s) {
+    std::string flags;
+    for (const auto& f : sourceFlagNames())
+        if (s.flags & f.bit) flags += std::string(flags.empty() ? "" : ", ") + f.key;
+    char text[200];
+    std::snprintf(text, sizeof text,
+                  "%s; %s; header %u; block %u + %u; time domain %d; x %d y %d z %d; ft %d %d %d; "
+                  "phaseable %d %d %d",
+                  numberTypeName(s.numberType), flags.empty() ? "no flags" : flags.c_str(),
+                  unsigned(s.headerSize), unsigned(s.blockSize), unsigned(s.blockHeader),
+                  int(s.highestTIndex), int(s.xIndex), int(s.yIndex), int(s.zIndex),
+                  int(s.ftPreferences[1]), int(s.ftPreferences[2]), int(s.ftPreferences[3]),
+                  int(s.phaseable[1]), int(s.phaseable[2]), int(s.phaseable[3]));
+    std::string out = text;
+    for (int f = 1; f <= 3; ++f)
+        if (s.dims[f].points > 1) out += "\nf" + std::to_string(f) + ": " + axisText(s.dims[f]);
+    return out;
 }
 
 int directAxis(const SpectrumMatrix& m) {

@@ -61,6 +61,13 @@ double correlationOverPpm(const SpectrumMatrix& a, const SpectrumMatrix& b, bool
 // Minus the sum of the negative real values over the sum of the positive ones.
 double negativeShare(const std::vector<float>& re);
 
+// A whole record in words, so that a test compares it at once: the axis as "8192 1H sw 15.95721
+// lo -0.4786592 at 300.1323 shift -61.02083", with " nus N" and " phase p0 p1" when set; the
+// source as its number type, flags, header, block and index fields, then a line per axis of more
+// than one point. Reals keep 7 significant digits.
+std::string axisText(const DimensionRecord& d);
+std::string sourceText(const SpectrumSource& s);
+
 // The direct axis: f2 of a 2-D matrix, f1 of a 1-D one.
 int directAxis(const SpectrumMatrix& m);
 // Index of point (y along f1, x along the direct axis) of the first plane; y is 0 for 1-D.

@@ -1,39 +1,20 @@
 // Runs the built zolt-cli on real data, as a user or a script would.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "test_data.h"
+#include "cli/cli_run.h"
 
 namespace zolt {
 namespace {
 
-struct CliRun {
-    int status = -1;
-    std::string out, err;
-};
-
-std::string quoted(const std::string& s) {
-    return "'" + s + "'";
-}
-
-CliRun runCli(const std::string& arguments) {
-    const std::string dir = testdata::freshTempDir("cli");
-    const std::string command = quoted(testdata::cliPath()) + " " + arguments + " >" +
-                                quoted(dir + "/out") + " 2>" + quoted(dir + "/err") + " </dev/null";
-    const int rc = std::system(command.c_str());
-    CliRun r{WIFEXITED(rc) ? WEXITSTATUS(rc) : -1, testdata::readFile(dir + "/out"),
-             testdata::readFile(dir + "/err")};
-    std::filesystem::remove_all(dir);
-    return r;
-}
+using testdata::CliRun;
+using testdata::runCli;
 
 std::vector<std::string> lines(const std::string& text) {
     std::vector<std::string> v;
@@ -77,7 +58,7 @@ int32_t bigEndianWord(const std::string& bytes, size_t offset) {
 
 TEST(InfoCommand, AspirinJsonCarriesEveryKeyInOrder) {
     const std::string folder = testdata::bruker("aspirin-1h");
-    const CliRun r = runCli("info " + quoted(folder) + " --json");
+    const CliRun r = runCli({"info", folder, "--json"});
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.err, "");
     const auto out = lines(r.out);
@@ -95,30 +76,32 @@ TEST(InfoCommand, AspirinJsonCarriesEveryKeyInOrder) {
     }
     EXPECT_EQ(j.front(), '{');
     EXPECT_EQ(j.back(), '}');
-    EXPECT_EQ(valueOf(j, "path"), "\"" + folder + "\"");
-    EXPECT_EQ(valueOf(j, "format"), "\"Bruker\"");
-    EXPECT_EQ(valueOf(j, "number_type"), "\"long\"");
     EXPECT_NE(j.find("\"flags\":[]"), std::string::npos);  // big-endian, found by the probe
-    EXPECT_EQ(valueOf(j, "dimensions"), "1");
-    EXPECT_EQ(valueOf(j, "time_domain_dimensions"), "1");
-    EXPECT_EQ(valueOf(j, "f_index"), "1");
-    EXPECT_EQ(valueOf(j, "points"), "8192");
-    EXPECT_EQ(valueOf(j, "atom"), "\"H\"");
-    EXPECT_EQ(valueOf(j, "isotope"), "1");
+    for (const auto& [key, value] :
+         std::vector<std::pair<std::string, std::string>>{{"path", "\"" + folder + "\""},
+                                                          {"format", "\"Bruker\""},
+                                                          {"number_type", "\"long\""},
+                                                          {"dimensions", "1"},
+                                                          {"time_domain_dimensions", "1"},
+                                                          {"f_index", "1"},
+                                                          {"points", "8192"},
+                                                          {"atom", "\"H\""},
+                                                          {"isotope", "1"},
+                                                          {"solvent", "\"CDCl3\""},
+                                                          {"pulse_program", "\"zg30\""}})
+        EXPECT_EQ(valueOf(j, key), value) << key;
     EXPECT_NEAR(std::stod(valueOf(j, "time_shift")), -61.0208, 1e-4);
     EXPECT_NEAR(std::stod(valueOf(j, "carrier_mhz")), 300.132, 1e-3);
     EXPECT_NEAR(std::stod(valueOf(j, "spectral_width_hz")),
                 std::stod(valueOf(j, "spectral_width_ppm")) * std::stod(valueOf(j, "carrier_mhz")),
                 1e-3);
-    EXPECT_EQ(valueOf(j, "solvent"), "\"CDCl3\"");
-    EXPECT_EQ(valueOf(j, "pulse_program"), "\"zg30\"");
     EXPECT_EQ(j.find("\"points\":["), std::string::npos);  // only with --points
 }
 
 TEST(InfoCommand, PointsAreTheFirstComplexPairsOfTheFid) {
     const std::string folder = testdata::bruker("aspirin-1h");
     const std::string fid = testdata::readFile(folder + "/fid");
-    const CliRun r = runCli("info " + quoted(folder) + " --json --points 72");
+    const CliRun r = runCli({"info", folder, "--json", "--points", "72"});
     ASSERT_EQ(r.status, 0) << r.err;
     const auto numbers = pointNumbers(r.out);
     ASSERT_EQ(numbers.size(), 144u);
@@ -130,7 +113,7 @@ TEST(InfoCommand, PointsAreTheFirstComplexPairsOfTheFid) {
 }
 
 TEST(InfoCommand, TwoDimensionalSetListsAxesInFIndexOrderAndEscapesItsTitle) {
-    const CliRun r = runCli("info " + quoted(testdata::bruker("cyclosporin-cosy")) + " --json");
+    const CliRun r = runCli({"info", testdata::bruker("cyclosporin-cosy"), "--json"});
     ASSERT_EQ(r.status, 0) << r.err;
     const auto out = lines(r.out);
     ASSERT_EQ(out.size(), 1u);  // the title's line breaks stay escaped
@@ -149,7 +132,7 @@ TEST(InfoCommand, TwoDimensionalSetListsAxesInFIndexOrderAndEscapesItsTitle) {
 
 TEST(InfoCommand, ProcessedOptionReadsTheVendorSpectrumInsteadOfTheFid) {
     const std::string folder = testdata::bruker("strychnine-1h");
-    const CliRun r = runCli("info " + quoted(folder) + " --processed --json --points 3");
+    const CliRun r = runCli({"info", folder, "--processed", "--json", "--points", "3"});
     ASSERT_EQ(r.status, 0) << r.err;
     const std::string& j = r.out;
     EXPECT_NE(j.find("\"flags\":[\"little endian\",\"real only\"]"), std::string::npos) << j;
@@ -167,7 +150,7 @@ TEST(InfoCommand, ProcessedOptionReadsTheVendorSpectrumInsteadOfTheFid) {
 }
 
 TEST(InfoCommand, ReadableSummaryNamesFormatAxesAndMetadata) {
-    const CliRun r = runCli("info " + quoted(testdata::bruker("aspirin-1h")) + " --points 2");
+    const CliRun r = runCli({"info", testdata::bruker("aspirin-1h"), "--points", "2"});
     ASSERT_EQ(r.status, 0) << r.err;
     for (const char* part :
          {"format: Bruker", "numbers: long; flags: none", "f1: 8192 points",
@@ -179,9 +162,8 @@ TEST(InfoCommand, UnreadablePathsAreReportedWhileTheOthersArePrinted) {
     const std::string dir = testdata::freshTempDir("cli-bad");
     std::filesystem::create_directories(dir + "/nofid");
     std::filesystem::copy_file(testdata::bruker("aspirin-1h") + "/acqus", dir + "/nofid/acqus");
-    const CliRun r =
-        runCli("info " + quoted(dir + "/nothing-here") + " " +
-               quoted(testdata::bruker("aspirin-1h")) + " " + quoted(dir + "/nofid") + " --json");
+    const CliRun r = runCli(
+        {"info", dir + "/nothing-here", testdata::bruker("aspirin-1h"), dir + "/nofid", "--json"});
     std::filesystem::remove_all(dir);
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(lines(r.out).size(), 1u);
@@ -197,7 +179,7 @@ TEST(InfoCommand, DataTheLoaderCannotReadGiveTheDataPointMessage) {
     std::filesystem::copy_file(testdata::bruker("aspirin-1h") + "/acqus", dir + "/acqus");
     const std::string fid = testdata::readFile(testdata::bruker("aspirin-1h") + "/fid");
     std::ofstream(dir + "/fid", std::ios::binary) << fid.substr(0, 800);
-    const CliRun r = runCli("info " + quoted(dir));
+    const CliRun r = runCli({"info", dir});
     std::filesystem::remove_all(dir);
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.out, "");
@@ -205,16 +187,17 @@ TEST(InfoCommand, DataTheLoaderCannotReadGiveTheDataPointMessage) {
 }
 
 TEST(InfoCommand, HelpAndMalformedCommandLines) {
-    const CliRun help = runCli("info --help");
+    const CliRun help = runCli({"info", "--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_EQ(help.out.rfind("usage: zolt-cli info PATH...", 0), 0u) << help.out;
-    EXPECT_EQ(runCli("--help").status, 0);
-    EXPECT_EQ(runCli("").status, 2);
-    EXPECT_EQ(runCli("info").status, 2);
-    EXPECT_EQ(runCli("info x --points").status, 2);
-    EXPECT_EQ(runCli("info x --points 3a").status, 2);
-    EXPECT_EQ(runCli("info x --colour").status, 2);
-    EXPECT_EQ(runCli("frobnicate").status, 2);
+    EXPECT_EQ(runCli({"--help"}).status, 0);
+    EXPECT_EQ(runCli({}).status, 2);
+    EXPECT_EQ(runCli({"info"}).status, 2);
+    for (const auto& args : std::vector<std::vector<std::string>>{{"info", "x", "--points"},
+                                                                  {"info", "x", "--points", "3a"},
+                                                                  {"info", "x", "--colour"},
+                                                                  {"frobnicate"}})
+        EXPECT_EQ(runCli(args).status, 2) << args.back();
 }
 
 }  // namespace

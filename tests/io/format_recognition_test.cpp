@@ -38,14 +38,6 @@ std::string header48(std::initializer_list<std::pair<size_t, std::string>> parts
     return b;
 }
 
-TEST_F(FormatRecognition, DocumentExtensionsComeFirstAndAreCaseSensitive) {
-    EXPECT_EQ(recognizeFormat(file("a.zolt")), FormatCode::Zolt);
-    EXPECT_EQ(recognizeFormat(file("a.cpm")), FormatCode::Clipping);
-    EXPECT_EQ(recognizeFormat(file("a.spins")), FormatCode::SpinSystemDocument);
-    EXPECT_EQ(recognizeFormat(file("a.poster")), FormatCode::PosterDocument);
-    EXPECT_EQ(recognizeFormat(file("a.ZOLT")), FormatCode::Unknown);
-}
-
 TEST_F(FormatRecognition, CompanionDocumentsWinOverParameterFiles) {
     const std::string fid = file("fid", "x", "exp1");
     file("acqus", "##TITLE=", "exp1");
@@ -81,19 +73,32 @@ TEST_F(FormatRecognition, ParameterFilesInTheFolder) {
     EXPECT_EQ(recognizeFormat(p), FormatCode::ParaVision);
 }
 
-TEST_F(FormatRecognition, DataExtensions) {
-    EXPECT_EQ(recognizeFormat(file("a.tnt")), FormatCode::NtNmr);
-    EXPECT_EQ(recognizeFormat(file("a.rda")), FormatCode::Siemens);
-    EXPECT_EQ(recognizeFormat(file("a.crvn")), FormatCode::Corvane);
-    EXPECT_EQ(recognizeFormat(file("b.ALS")), FormatCode::Alice);
-    EXPECT_EQ(recognizeFormat(file("a.gx1")), FormatCode::JeolGx);
-    EXPECT_EQ(recognizeFormat(file("a.GXD")), FormatCode::JeolGx);
-    EXPECT_EQ(recognizeFormat(file("a.SDAT")), FormatCode::Philips);
-    EXPECT_EQ(recognizeFormat(file("a.SPAR")), FormatCode::Philips);
-    EXPECT_EQ(recognizeFormat(file("a.16")), FormatCode::CaraXEasy);
-    EXPECT_EQ(recognizeFormat(file("a.param")), FormatCode::CaraXEasy);
+// Extensions (case-sensitive for documents) and WinNmr names; a molecule file by its extension.
+TEST_F(FormatRecognition, ExtensionsAndNames) {
+    const std::pair<const char*, FormatCode> cases[] = {{"a.zolt", FormatCode::Zolt},
+                                                        {"a.cpm", FormatCode::Clipping},
+                                                        {"a.spins", FormatCode::SpinSystemDocument},
+                                                        {"a.poster", FormatCode::PosterDocument},
+                                                        {"a.ZOLT", FormatCode::Unknown},
+                                                        {"a.tnt", FormatCode::NtNmr},
+                                                        {"a.rda", FormatCode::Siemens},
+                                                        {"a.crvn", FormatCode::Corvane},
+                                                        {"b.ALS", FormatCode::Alice},
+                                                        {"a.gx1", FormatCode::JeolGx},
+                                                        {"a.GXD", FormatCode::JeolGx},
+                                                        {"a.SDAT", FormatCode::Philips},
+                                                        {"a.SPAR", FormatCode::Philips},
+                                                        {"a.16", FormatCode::CaraXEasy},
+                                                        {"a.param", FormatCode::CaraXEasy},
+                                                        {"abcdef1.fid", FormatCode::WinNmr},
+                                                        {"abcdefg.fid", FormatCode::Unknown},
+                                                        {"abcde1.fid", FormatCode::Unknown},
+                                                        {"aspirin.mol", FormatCode::MoleculeFile}};
+    for (const auto& [name, code] : cases) EXPECT_EQ(recognizeFormat(file(name)), code) << name;
     // Extensions are tested before content: a text file in JCAMP-DX form opens as ASCII.
     EXPECT_EQ(recognizeFormat(file("x.txt", "##TITLE=spectrum\n")), FormatCode::Ascii);
+    EXPECT_EQ(recognizeFormat(file("empty", "")), FormatCode::Unknown);
+    EXPECT_EQ(recognizeFormat(dir_ + "/does/not/exist"), FormatCode::Unknown);
 }
 
 TEST_F(FormatRecognition, ContentSignatures) {
@@ -132,16 +137,7 @@ TEST_F(FormatRecognition, ContentSignatures) {
     EXPECT_EQ(recognizeFormat(file("mac3", mac)), FormatCode::Unknown);
 }
 
-TEST_F(FormatRecognition, WinNmrNamesAndUnknownFiles) {
-    EXPECT_EQ(recognizeFormat(file("abcdef1.fid")), FormatCode::WinNmr);
-    EXPECT_EQ(recognizeFormat(file("abcdefg.fid")), FormatCode::Unknown);
-    EXPECT_EQ(recognizeFormat(file("abcde1.fid")), FormatCode::Unknown);
-    EXPECT_EQ(recognizeFormat(file("empty", "")), FormatCode::Unknown);
-    EXPECT_EQ(recognizeFormat(dir_ + "/does/not/exist"), FormatCode::Unknown);
-}
-
-TEST_F(FormatRecognition, MoleculeFilesAreShownOnlyInsideSpectra) {
-    EXPECT_EQ(recognizeFormat(file("aspirin.mol")), FormatCode::MoleculeFile);
+TEST_F(FormatRecognition, MoleculeFileByItsContent) {
     const std::string molfile = "aspirin\n  program\n\n 13 13  0  0  0  0  0  0  0  0999 V2000\n";
     EXPECT_EQ(recognizeFormat(file("structure", molfile)), FormatCode::MoleculeFile);
 }

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "app/document_opening.h"
 #include "io/data_set_opening.h"
@@ -64,25 +65,12 @@ TEST_F(NmrPipeReader, ComplexFidIsOneDimensionalTimeDomainWithItsAxis) {
     const auto r = open(pipeFile("aspirin-1h.fid"), failure);
     ASSERT_TRUE(r) << failure.text;
     const SpectrumSource& s = r->source;
-    EXPECT_EQ(s.provenance, "NMRPipe");
-    EXPECT_EQ(s.fileName, "aspirin-1h.fid");
-    EXPECT_EQ(s.numberType, NumberType::Float);
-    EXPECT_EQ(s.headerSize, 2048u);
-    EXPECT_EQ(s.blockSize, 8192u * 4);
-    EXPECT_EQ(s.flags,
-              sf::kLittleEndian | sf::kLooseNativeFile | sf::kInterleaved | sf::kNmrPipeComplex);
-    EXPECT_EQ(s.highestTIndex, 1);
-    EXPECT_EQ(countDimensions(s), 1);
-    EXPECT_EQ(s.xIndex, 1);
-    const DimensionRecord& d = s.dims[1];
-    EXPECT_EQ(d.points, 8192u);
-    EXPECT_FLOAT_EQ(d.carrier, 300.13f);
-    EXPECT_NEAR(d.spectralWidth, 4789.27197 / 300.13, 1e-5);
-    EXPECT_NEAR(d.lowestPpm, -143.076385 / 300.13, 1e-5);
-    EXPECT_EQ(d.isotope, 1);
-    EXPECT_EQ(d.atom[0], 'H');
-    EXPECT_EQ(s.ftPreferences[1], ' ');
-    EXPECT_EQ(s.phaseable[1], 1);
+    EXPECT_EQ(s.provenance + " " + s.fileName, "NMRPipe aspirin-1h.fid");
+    // Width and origin are the header's 4789.27197 and -143.076385 Hz over 300.13 MHz.
+    EXPECT_EQ(testdata::sourceText(s),
+              "float; little endian, loose native file, interleaved, NMRPipe complex data; header "
+              "2048; block 32768 + 0; time domain 1; x 1 y 0 z 0; ft 32 0 0; phaseable 1 0 0\n"
+              "f1: 8192 1H sw 15.95732 lo -0.4767147 at 300.13 shift 0");
     // The header holds 0 degrees Celsius.
     EXPECT_FLOAT_EQ(r->metadata.temperature, 273.15f);
 
@@ -155,11 +143,10 @@ TEST_F(NmrPipeReader, TransformedRealSpectrumHasItsPeaksWhereTheBrukerOneHas) {
     const auto r = open(pipeFile("aspirin-1h.ft1"), failure);
     ASSERT_TRUE(r) << failure.text;
     const SpectrumSource& s = r->source;
-    EXPECT_EQ(s.flags, sf::kLittleEndian | sf::kLooseNativeFile | sf::kRealOnly);
-    EXPECT_EQ(s.highestTIndex, 0);
-    EXPECT_EQ(s.phaseable[1], 0);
-    EXPECT_EQ(s.dims[1].points, 16384u);
-    EXPECT_NEAR(s.dims[1].lowestPpm, -143.368637 / 300.13, 1e-5);
+    EXPECT_EQ(testdata::sourceText(s),
+              "float; little endian, loose native file, real only; header 2048; block 65536 + 0; "
+              "time domain 0; x 1 y 0 z 0; ft 32 0 0; phaseable 0 0 0\n"
+              "f1: 16384 1H sw 15.95732 lo -0.4776885 at 300.13 shift 0");  // origin -143.368637 Hz
     const auto m = loadMatrix(s);
     ASSERT_TRUE(m);
     EXPECT_TRUE(m->state & matrix_state::kRealOnly);
@@ -191,22 +178,12 @@ TEST_F(NmrPipeReader, HsqcFidIsTwoDimensionalWithCarbonAndProtonAxes) {
     ASSERT_TRUE(r) << failure.text;
     const SpectrumSource& s = r->source;
     EXPECT_EQ(countDimensions(s), 2);
-    EXPECT_EQ(s.highestTIndex, 2);
-    EXPECT_EQ(s.xIndex, 2);
-    EXPECT_EQ(s.yIndex, 1);
-    const DimensionRecord &proton = s.dims[2], &carbon = s.dims[1];
-    EXPECT_EQ(proton.points, 512u);
-    EXPECT_EQ(proton.isotope, 1);
-    EXPECT_EQ(proton.atom[0], 'H');
-    EXPECT_FLOAT_EQ(proton.carrier, 500.13f);
-    EXPECT_NEAR(proton.spectralWidth, 6009.61523 / 500.13, 1e-5);
-    EXPECT_EQ(carbon.points, 256u);
-    EXPECT_EQ(carbon.isotope, 13);
-    EXPECT_EQ(carbon.atom[0], 'C');
-    EXPECT_EQ(carbon.atom[1], 0);
-    EXPECT_NEAR(carbon.carrier, 125.75779, 1e-4);
-    EXPECT_NEAR(carbon.spectralWidth, 20833.334 / 125.75779, 1e-4);
-    EXPECT_NEAR(carbon.lowestPpm, -1451.3204 / 125.75779, 1e-4);
+    // f2: 6009.61523 Hz at 500.13 MHz; f1: 20833.334 Hz from -1451.3204 Hz at 125.75779 MHz.
+    EXPECT_EQ(testdata::sourceText(s),
+              "float; little endian, loose native file, interleaved, NMRPipe complex data; header "
+              "2048; block 2048 + 0; time domain 2; x 2 y 1 z 0; ft 0 32 0; phaseable 1 1 0\n"
+              "f1: 256 13C sw 165.6624 lo -11.5406 at 125.7578 shift 0\n"
+              "f2: 512 1H sw 12.01611 lo -1.281584 at 500.13 shift 0");
     const auto m = loadMatrix(s);
     ASSERT_TRUE(m);
     EXPECT_EQ(m->re.size(), 256u * 512);
@@ -228,55 +205,48 @@ TEST_F(NmrPipeReader, HsqcFidIsTwoDimensionalWithCarbonAndProtonAxes) {
 // Header words edited in a copy of the aspirin FID.
 class NmrPipeHeaderEdits : public NmrPipeReader {
 protected:
-    std::string withWords(std::initializer_list<std::pair<int, float>> words) const {
+    std::string withWords(const std::vector<std::pair<int, float>>& words) const {
         std::string bytes = testdata::readFile(pipeFile("aspirin-1h.fid"));
         for (const auto& [word, value] : words) std::memcpy(&bytes[4 * word], &value, 4);
         return write("edited.fid", bytes);
     }
 };
 
-TEST_F(NmrPipeHeaderEdits, TransposedFileTakesTheIndirectParametersForItsRows) {
+// A transposed file takes the indirect parameters for its rows (75.5 MHz, 15100 Hz from
+// 755 Hz); rows of a 1-D file are a pseudo-dimension; the transformed flags of both axes count
+// but never below a spectrum.
+TEST_F(NmrPipeHeaderEdits, TranspositionRowsAndFlagsOfTheHeader) {
     REQUIRE_PIPE_DATA();
     using namespace nmrpipe_word;
+    const std::pair<std::vector<std::pair<int, float>>, const char*> cases[] = {
+        {{{kTransposed, 1},
+          {kIndirectObserve, 75.5f},
+          {kIndirectSweepWidth, 15100},
+          {kIndirectOrigin, 755}},
+         "float; little endian, loose native file, interleaved, NMRPipe complex data; header 2048; "
+         "block 32768 + 0; time domain 1; x 1 y 0 z 0; ft 32 0 0; phaseable 1 0 0\n"
+         "f1: 8192 Y sw 200 lo 10 at 75.5 shift 0"},
+        {{{kDirectSize, 1024}, {kRowCount, 8}},
+         "float; little endian, loose native file, interleaved, NMRPipe complex data; header 2048; "
+         "block 4096 + 0; time domain 1; x 2 y 1 z 0; ft 0 32 0; phaseable 0 1 0\n"
+         "f1: 8 .. sw 8 lo -8 at 8 shift 0\n"
+         "f2: 1024 1H sw 15.95732 lo -0.4767147 at 300.13 shift 0"},
+        {{{kMagnitudeFlag, 1},
+          {kTemperature, 25},
+          {kDirectTransformed, 1},
+          {kIndirectTransformed, 1}},
+         "float; little endian, loose native file, magnitude, interleaved, NMRPipe complex data; "
+         "header 2048; block 32768 + 0; time domain 0; x 1 y 0 z 0; ft 32 0 0; phaseable 1 0 0\n"
+         "f1: 8192 1H sw 15.95732 lo -0.4767147 at 300.13 shift 0"},
+    };
+    for (const auto& [words, text] : cases) {
+        Message failure;
+        const auto r = open(withWords(words), failure);
+        ASSERT_TRUE(r) << failure.text;
+        EXPECT_EQ(testdata::sourceText(r->source), text);
+    }
     Message failure;
-    const auto r = open(withWords({{kTransposed, 1},
-                                   {kIndirectObserve, 75.5f},
-                                   {kIndirectSweepWidth, 15100},
-                                   {kIndirectOrigin, 755}}),
-                        failure);
-    ASSERT_TRUE(r) << failure.text;
-    EXPECT_FLOAT_EQ(r->source.dims[1].carrier, 75.5f);
-    EXPECT_FLOAT_EQ(r->source.dims[1].spectralWidth, 200.0f);
-    EXPECT_FLOAT_EQ(r->source.dims[1].lowestPpm, 10.0f);
-}
-
-TEST_F(NmrPipeHeaderEdits, RowsOfAOneDimensionalFileArePseudoDimension) {
-    REQUIRE_PIPE_DATA();
-    using namespace nmrpipe_word;
-    Message failure;
-    const auto r = open(withWords({{kDirectSize, 1024}, {kRowCount, 8}}), failure);
-    ASSERT_TRUE(r) << failure.text;
-    EXPECT_EQ(r->source.dims[2].points, 1024u);
-    EXPECT_TRUE(isPseudoDimension(r->source.dims[1]));
-    EXPECT_EQ(r->source.dims[1].points, 8u);
-    EXPECT_EQ(r->source.highestTIndex, 1);
-    EXPECT_EQ(countDimensions(r->source), 1);
-}
-
-TEST_F(NmrPipeHeaderEdits, FlagsAndTemperatureOfTheHeader) {
-    REQUIRE_PIPE_DATA();
-    using namespace nmrpipe_word;
-    Message failure;
-    const auto r = open(withWords({{kMagnitudeFlag, 1},
-                                   {kTemperature, 25},
-                                   {kDirectTransformed, 1},
-                                   {kIndirectTransformed, 1}}),
-                        failure);
-    ASSERT_TRUE(r) << failure.text;
-    EXPECT_TRUE(r->source.flags & sf::kMagnitude);
-    EXPECT_FLOAT_EQ(r->metadata.temperature, 298.15f);
-    // Flags of both axes count, but never below a spectrum.
-    EXPECT_EQ(r->source.highestTIndex, 0);
+    EXPECT_FLOAT_EQ(open(withWords({{kTemperature, 25}}), failure)->metadata.temperature, 298.15f);
 }
 
 TEST_F(NmrPipeHeaderEdits, DamagedFilesAreRefusedWithTheirMessage) {

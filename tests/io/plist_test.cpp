@@ -66,17 +66,6 @@ TEST(PlistWriter, DictionaryKeysSortByUnsignedBytesAndDuplicatesStay) {
     EXPECT_EQ(lookUp(back.get(), "b")->integer, 2);
 }
 
-TEST(PlistWriter, NestingIndentsWithTabsAndEmptyArrayTakesTwoLines) {
-    Ref d(createDictionary());
-    Value* a = createArray();
-    appendToArray(a, createBoolean(true));
-    appendToArray(a, createArray());
-    addToDictionary(d.get(), "list", a);
-    EXPECT_EQ(write(d.get()), std::string(kHeader) +
-                                  "<dict>\n\t<key>list</key>\n\t<array>\n\t\t<true/>\n"
-                                  "\t\t<array>\n\t\t</array>\n\t</array>\n</dict>\n</plist>\n");
-}
-
 TEST(PlistWriter, DataIsBase64InLinesOfSixty) {
     std::string bytes;
     for (int i = 0; i < 100; ++i) bytes += static_cast<char>(i * 7);

@@ -125,17 +125,11 @@ TEST(VarianReader, RealProtonExperimentGivesItsAxisMetadataAndPoints) {
     ASSERT_TRUE(r);
     const SpectrumSource& s = r->source;
     EXPECT_EQ(s.rawPath, testdata::shared("varian/1H.fid/fid"));
-    EXPECT_EQ(s.numberType, NumberType::Float);
-    EXPECT_EQ(s.flags, kVarianBinary);
-    EXPECT_EQ(s.headerSize + s.blockHeader + s.blockSize, 32u + 28u + 131072u);
-    EXPECT_EQ(s.highestTIndex, 1);
-    const DimensionRecord& d = s.dims[1];
-    EXPECT_EQ(d.points, 16384u);
-    EXPECT_FLOAT_EQ(d.spectralWidth, static_cast<float>(6009.61538462 / 599.7931758));
-    EXPECT_FLOAT_EQ(d.lowestPpm, static_cast<float>(-592.011622346 / 599.7931758));
-    EXPECT_FLOAT_EQ(d.phase0, static_cast<float>(61.2830518187 * 0.017453292));
-    EXPECT_EQ(atom(d) + std::to_string(d.isotope), "H1");
-    EXPECT_EQ(s.ftPreferences[1], 0x20);
+    // sw 6009.61538462 Hz from -592.011622346 Hz at 599.7931758 MHz; rp 61.2830518187 degrees.
+    EXPECT_EQ(testdata::sourceText(s),
+              "float; Varian binary; header 32; block 131072 + 28; time domain 1; x 1 y 0 z 0; ft "
+              "32 0 0; phaseable 1 0 0\n"
+              "f1: 16384 1H sw 10.01948 lo -0.9870263 at 599.7932 shift 0 phase 1.069591 0");
     EXPECT_EQ(r->metadata.solvent + r->metadata.pulseSequence, "cdcl3s2pul");
     EXPECT_FLOAT_EQ(r->metadata.temperature, 298.15f);
     EXPECT_EQ(r->metadata.title, testdata::readFile(testdata::shared("varian/1H.fid/text")));
@@ -168,18 +162,13 @@ TEST(VarianReader, TwoDimensionalArraysScalesAndInterruptedAcquisitions) {
     const auto r = readVarianFolder(experiment(p, fid));
     ASSERT_TRUE(r);
     const SpectrumSource& s = r->source;
-    EXPECT_EQ(s.numberType, NumberType::Short);
-    EXPECT_EQ(s.dims[2].points, 2u);
-    EXPECT_EQ(s.dims[1].points, 6u);  // three blocks present, two traces each
-    EXPECT_FLOAT_EQ(s.dims[2].timeShift, -3.0f);
-    EXPECT_FLOAT_EQ(s.dims[2].phase0, static_cast<float>(30 * 0.017453292));
-    EXPECT_FLOAT_EQ(s.dims[2].phase1, static_cast<float>(10 * -0.017453292));
-    EXPECT_FLOAT_EQ(s.dims[2].lowestPpm, -2.0f);
-    EXPECT_EQ(s.ftPreferences[1], 0x22);
-    // The indirect axis is the decoupler's: 13C at 100.6 MHz.
-    EXPECT_EQ(atom(s.dims[1]), "C");
-    EXPECT_FLOAT_EQ(s.dims[1].spectralWidth, static_cast<float>(16000 / 100.6));
-    EXPECT_FLOAT_EQ(s.dims[1].lowestPpm, static_cast<float>(-1600 / 100.6));
+    // Three blocks present, two traces each. lsfid 3, lp 10 and rp 20 (plus the 10 of lp's
+    // half) on f2; the indirect axis is the decoupler's: 13C at 100.6 MHz, 16000 Hz from -1600.
+    EXPECT_EQ(testdata::sourceText(s),
+              "short; Varian binary; header 32; block 16 + 28; time domain 2; x 2 y 1 z 0; ft 34 "
+              "32 0; phaseable 1 1 0\n"
+              "f1: 6 13C sw 159.0457 lo -15.90457 at 100.6 shift 0\n"
+              "f2: 2 1H sw 10 lo -2 at 400 shift -3 phase 0.5235987 -0.1745329");
     EXPECT_FLOAT_EQ(r->metadata.temperature, 303.15f);
 
     const auto m = loadMatrix(s);
@@ -246,15 +235,6 @@ TEST(VarianReader, DamagedExperimentsAreRefusedAndNeverOverread) {
     const std::string noProcpar = experiment(p, good);
     fs::remove(noProcpar + "/procpar");
     EXPECT_FALSE(readVarianFolder(noProcpar));
-    // Shorter than the header, a header alone, a block cut short: no complete block.
-    for (size_t size : {size_t{31}, size_t{32}, good.size() - 1})
-        EXPECT_FALSE(readVarianFolder(experiment(p, good.substr(0, size)))) << size;
-    // Traces larger than their block, blocks no larger than their header, nothing per trace.
-    for (auto [at, byte] : {std::pair{11, 100}, std::pair{23, 0}, std::pair{11, 0}}) {
-        std::string bad = good;
-        bad[at] = static_cast<char>(byte);
-        EXPECT_FALSE(readVarianFolder(experiment(p, bad))) << at;
-    }
     // Hostile counts are bounded by the file: 2^32 - 1 blocks announced, one present.
     Parameters twoD = p;
     twoD["ni"] = "1000000";

@@ -31,15 +31,6 @@ TEST(DimensionRecord, PointsAreBinCentresAndPpmOutsideTheAxisClamps) {
     EXPECT_EQ(pointOfPpm(wide, std::nan("")), 0);
 }
 
-TEST(DimensionRecord, HzAndDwellFollowTheCarrier) {
-    const auto d = axis(8, 20.0f, 0.0f, 500.0f);
-    EXPECT_DOUBLE_EQ(spectralWidthHz(d), 10000.0);
-    EXPECT_DOUBLE_EQ(hzStep(d), 1250.0);
-    EXPECT_DOUBLE_EQ(dwellTimeMs(d), 0.1);
-    EXPECT_DOUBLE_EQ(spectralWidthHzFromDwell(100.0), 10000.0);
-    EXPECT_FLOAT_EQ(spectralWidthFromHz(10000.0, 500.0), 20.0f);
-}
-
 TEST(DimensionRecord, PseudoAndShortAxesDoNotCount) {
     SpectrumSource s;
     s.dims[2] = axis(8192, 12.0f, -1.0f);

@@ -73,18 +73,6 @@ TEST(AutoPhaseDefault, AllPositiveSpectrumStopsAtOnce) {
     EXPECT_EQ(r.delta1, 0.0);
 }
 
-TEST(AutoPhaseDefault, RecoversZeroAndFirstOrderErrors) {
-    const size_t n = 16384;
-    const double errors[][2] = {{-1.2, 0.0}, {2.5, -3.0}};
-    for (const auto& e : errors) {
-        const auto s = lorentzians(n, typicalLines(n), e[0], e[1]);
-        const auto r = estimatePhase(s.re.data(), s.im.data(), n);
-        EXPECT_GT(correlation(corrected(s, r), s.ideal), 0.99) << e[0] << " " << e[1];
-        EXPECT_GT(r.iterations, 0);
-        EXPECT_LE(r.iterations, 100);  // one round
-    }
-}
-
 TEST(AutoPhasePeaks, RecoversErrorsFromApproximatePeakPositions) {
     const size_t n = 8192;
     const auto lines = typicalLines(n);

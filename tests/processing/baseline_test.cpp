@@ -177,12 +177,6 @@ TEST(BaselineDetection, DegenerateRowsStayBaseline) {
     EXPECT_EQ(detectSignal(zeros.data(), zeros.size(), m2.data()), 5000u);
 }
 
-TEST(WhittakerBaseline, LambdaFollowsTheSmoothnessIndex) {
-    EXPECT_DOUBLE_EQ(whittakerLambda(1000, 9), 1.0);
-    EXPECT_NEAR(whittakerLambda(1000, 0), 4000.0, 1e-9);
-    EXPECT_NEAR(whittakerLambda(1000, 6), std::pow(4000.0, 1.0 / 3.0), 1e-9);
-}
-
 TEST(WhittakerBaseline, CurvedBaselineIsBridgedUnderThePeaks) {
     const auto s = curvedSpectrum(8192, 9);
     auto doc = documentWithRows(s.row);

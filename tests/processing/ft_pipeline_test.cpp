@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "app/document_opening.h"
 #include "processing/ft_step.h"
 #include "processing/linear_prediction.h"
 #include "test_data.h"
@@ -134,28 +135,6 @@ TEST(FtPipeline, PhaseSensitivePairsBecomeHalfAsManyComplexPoints) {
     }
 }
 
-TEST(FtPipeline, EchoAntiEchoPairsAddAndSubtractIntoTwoHalves) {
-    auto doc = indirect2D(64, 4);
-    stepOf(doc, 1, 64, ft_flags::kStopBeforeTransform | ft_flags::kHypercomplex,
-           Shuffling::EchoAntiEcho);
-    transformNextDimension(doc);
-    const auto& m = doc.matrix;
-    EXPECT_EQ(m.dims[0].points, 2u);
-    ASSERT_EQ(m.re.size(), 2u * 4u * 64u);
-    const float scale = 32.0f / 64.0f;
-    const size_t half = 4 * 64;
-    for (uint32_t c = 0; c < 4; ++c)
-        for (uint32_t k : {0u, 5u, 31u}) {
-            const float reE = re2D(2 * k, c), reA = re2D(2 * k + 1, c);
-            const float imE = im2D(2 * k, c), imA = im2D(2 * k + 1, c);
-            EXPECT_FLOAT_EQ(m.re[c * 64 + k], (reE + reA) * scale);
-            EXPECT_FLOAT_EQ(m.im[c * 64 + k], (imA - imE) * scale);
-            EXPECT_FLOAT_EQ(m.re[half + c * 64 + k], (imA + imE) * scale);
-            EXPECT_FLOAT_EQ(m.im[half + c * 64 + k], (reE - reA) * scale);
-            EXPECT_EQ(m.re[half + c * 64 + 32 + k], 0.0f);
-        }
-}
-
 TEST(FtPipeline, SizesBelow32LeaveTheAxisUntransformedWithoutPhase) {
     auto doc = fid1D(64, [](size_t m) { return std::complex<double>(m, 1.0); });
     doc.matrix.dims[1].phase0 = 1.0f;
@@ -188,23 +167,6 @@ TEST(FtPipeline, TooLargeASpectrumIsRefusedWithTheDataUntouched) {
     EXPECT_EQ(doc.matrix.im, std::vector<float>(64 * 1024, -0.5f));
     EXPECT_EQ(doc.matrix.dims[2].points, 64u);
     EXPECT_EQ(doc.source.highestTIndex, 2);
-}
-
-TEST(FtPipeline, FilterDelayIsCompensatedByTheFirstOrderPhase) {
-    const size_t n = 2048, delay = 68;
-    auto doc = fid1D(n, [&](size_t m) {
-        if (m < delay) return std::complex<double>(0.0, 0.0);
-        const double t = static_cast<double>(m - delay);
-        return std::polar(std::exp(-0.003 * t), 2 * kPi * 0.125 * t);
-    });
-    doc.matrix.dims[1].timeShift = -68.0f;
-    stepOf(doc, 1, 4096, ft_flags::kQuadrature);
-    transformNextDimension(doc);
-    const auto& m = doc.matrix;
-    const size_t peak = tallestModulus(m);
-    EXPECT_NEAR(m.re[peak], std::hypot(m.re[peak], m.im[peak]), 1e-2 * m.re[peak]);
-    EXPECT_EQ(peak, 1536u);
-    EXPECT_EQ(m.dims[1].timeShift, -68.0f);  // kept: the data carry it as a first order
 }
 
 TEST(FtPipeline, DcOffsetIsTakenFromTheTailAndSparesTheFilterDelay) {
@@ -300,29 +262,63 @@ TEST(FtPipeline, NusListsOnlyHoldIncrementNumbers) {
     std::filesystem::remove_all(dir);
 }
 
+// The two refusals of the NUS entry, with their exact caption and text, leave the data as they
+// were. Two pairs of sampled rows of 32 points on a grid of 2^25 rows: 2^30 floats per array.
+TEST(FtPipeline, FullGridBeyondTheLimitIsRefusedAsInsufficientMemory) {
+    const std::string dir = testdata::freshTempDir("nus-memory");
+    std::ofstream(dir + "/nuslist") << "0\n16777215\n";
+    auto doc = indirect2D(4, 32);
+    doc.source.rawPath = dir + "/ser";
+    doc.matrix.dims[1].pointsAfterNus = 1u << 25;
+    stepOf(doc, 1, 32, ft_flags::kQuadrature);
+    const SpectrumMatrix before = doc.matrix;
+
+    const FtResult result = transformNextDimension(doc);
+    std::filesystem::remove_all(dir);
+    EXPECT_EQ(result.outcome, FtOutcome::NusNoMemory);
+    ASSERT_TRUE(result.message);
+    EXPECT_EQ(result.message->caption, "Insufficient Memory");
+    EXPECT_EQ(result.message->text,
+              "Could not allocate the expanded matrix for NUS reconstruction. Try reducing the "
+              "Zero Filling or closing other spectra.");
+    EXPECT_EQ(doc.matrix.re, before.re);
+    EXPECT_EQ(doc.matrix.im, before.im);
+    EXPECT_EQ(doc.matrix.dims[1].points, 4u);
+    EXPECT_EQ(doc.source.highestTIndex, 1);
+}
+
 // ---- real spectrometer data ----
 
-TEST(FtPipeline, AspirinMatchesTheVendorSpectrum) {
-    auto doc = testdata::openExperiment("aspirin-1h");
-    ASSERT_TRUE(doc);
-    auto* step = findFourierTransformStep(doc->processing, 1);
-    ASSERT_TRUE(step);
-    step->ftSize = 32768;
-    step->flags |= ft_flags::kApplyWeights | ft_flags::kExponential;
-    step->weights[kWeightExponential] = 0.3f;
+TEST(FtPipeline, RealHsqcWithoutItsSamplingListStaysInTheTimeDomain) {
+    const std::string original = testdata::bruker("hsqc-nus");
+    const std::string dir = testdata::freshTempDir("nus-missing");
+    for (const char* file : {"acqus", "acqu2s", "pulseprogram", "ser"})
+        std::filesystem::copy_file(original + "/" + file, dir + "/" + file);
+    Message failure;
+    auto doc = readDocument(dir, Preferences{}, failure);
+    ASSERT_TRUE(doc) << failure.text;
+    ASSERT_EQ(doc->matrix.dims[1].pointsAfterNus, 1024u);
     ASSERT_EQ(transformNextDimension(*doc).outcome, FtOutcome::Transformed);
-    ASSERT_EQ(doc->matrix.dims[1].points, 32768u);
-    EXPECT_EQ(doc->source.highestTIndex, 0);
+    const SpectrumMatrix before = doc->matrix;
 
-    const auto vendor = testdata::vendorSpectrum("aspirin-1h-processed");
-    ASSERT_TRUE(vendor && !vendor->im.empty());
-    EXPECT_GE(testdata::correlationOverPpm(doc->matrix, *vendor, true), 0.99);
-    const auto ours = testdata::strongestPeaks(doc->matrix, 1, true);
-    const auto theirs = testdata::strongestPeaks(*vendor, 1, true);
-    ASSERT_TRUE(ours.size() == 1 && theirs.size() == 1);
-    const auto theirsInOurs = pointOfPpm(doc->matrix.dims[1], theirs[0].xPpm);
-    EXPECT_LE(std::abs(double(ours[0].x) - double(theirsInOurs)), 2.0);
-    EXPECT_NEAR(theirs[0].xPpm, 2.3, 0.1);  // the acetyl CH3
+    const FtResult missing = transformNextDimension(*doc);
+    EXPECT_EQ(missing.outcome, FtOutcome::NusListMissing);
+    ASSERT_TRUE(missing.message);
+    EXPECT_EQ(missing.message->caption, "Missing NUS Metadata");
+    EXPECT_EQ(missing.message->text,
+              "The file 'nuslist' is missing or unreadable. This file is required to map the "
+              "experimental points onto the full grid.");
+    EXPECT_EQ(doc->matrix.re, before.re);
+    EXPECT_EQ(doc->matrix.im, before.im);
+    EXPECT_EQ(doc->matrix.dims[1].points, 256u);
+    EXPECT_EQ(doc->source.highestTIndex, 1);
+
+    // With the list beside the data the same document goes on to the full grid.
+    std::filesystem::copy_file(original + "/nuslist", dir + "/nuslist");
+    EXPECT_EQ(transformNextDimension(*doc).outcome, FtOutcome::Transformed);
+    EXPECT_EQ(doc->matrix.dims[1].points, findFourierTransformStep(doc->processing, 1)->ftSize);
+    EXPECT_EQ(doc->source.highestTIndex, 0);
+    std::filesystem::remove_all(dir);
 }
 
 bool nearAny(double ppm, const std::vector<double>& list, double tolerance) {

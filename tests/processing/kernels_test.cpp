@@ -29,15 +29,13 @@ TEST(DcSubtraction, AveragesLastSixteenthAndChangesOnlyFromFirstPoint) {
             EXPECT_EQ(data[r * 70 + k], want) << "row " << r << " point " << k;
         }
     }
-}
-
-TEST(DcSubtraction, RowsShorterThanSixteenAreLeftAlone) {
-    std::vector<float> data = ramp(15);
+    // Rows shorter than sixteen points are left alone.
+    data = ramp(15);
     subtractDc(data.data(), 1, 15, 15, 0);
     EXPECT_EQ(data, ramp(15));
 }
 
-TEST(Restride, GrowingStrideMovesRowsWithoutOverwritingThem) {
+TEST(Restride, GrowingMovesRowsWithoutOverwritingShrinkingKeepsTheirFraction) {
     std::vector<float> re(24, -1.0f), im(24, -1.0f);
     const std::vector<float> rows = ramp(12);
     std::copy(rows.begin(), rows.end(), re.begin());
@@ -48,10 +46,7 @@ TEST(Restride, GrowingStrideMovesRowsWithoutOverwritingThem) {
             EXPECT_EQ(re[r * 8 + k], rows[r * 4 + k]);
             EXPECT_EQ(im[r * 8 + k], rows[r * 4 + k]);
         }
-}
-
-TEST(Restride, ShrinkingStrideCopiesTheFractionOfTheOldRow) {
-    std::vector<float> re = ramp(24);
+    re = ramp(24);
     restride(re.data(), nullptr, 8, 4, 3, 2);
     EXPECT_EQ(std::vector<float>(re.begin(), re.begin() + 12),
               (std::vector<float>{1, 2, 3, 4, 9, 10, 11, 12, 17, 18, 19, 20}));

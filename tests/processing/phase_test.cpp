@@ -48,35 +48,26 @@ TEST(ApplyPhase, HalfTurnNegatesAndNegligibleAnglesChangeNothing) {
     EXPECT_EQ(m.im, before.im);
 }
 
+// The recurrence of the first order against a direct rotation by a + k b / n, along the
+// contiguous axis of a long 1-D row (several turns) and across the rows of a plane.
 TEST(ApplyPhase, FirstOrderRecurrenceMatchesDirectRotation) {
-    const uint32_t n = 65536;
-    auto m = makeMatrix(n);
-    const auto before = m;
-    const double a = 0.7, b = -25.0;  // several turns across the axis
-    applyPhase(m, 1, a, b);
-    double worst = 0.0;
-    for (size_t k = 0; k < n; ++k) {
-        const double phi = a + k * b / n;
-        const double re = before.re[k] * std::cos(phi) - before.im[k] * std::sin(phi);
-        const double im = before.re[k] * std::sin(phi) + before.im[k] * std::cos(phi);
-        worst = std::max({worst, std::fabs(re - m.re[k]), std::fabs(im - m.im[k])});
-    }
-    EXPECT_LT(worst, 1e-5);
-}
-
-TEST(ApplyPhase, FirstOrderAcrossNonContiguousAxis) {
-    const uint32_t n2 = 8, n1 = 32;
-    auto m = makeMatrix(n2, n1);
-    const auto before = m;
-    const double a = -0.4, b = 3.0;
-    applyPhase(m, 1, a, b);
-    for (uint32_t k = 0; k < n1; ++k) {
-        const double phi = a + k * b / n1;
-        for (uint32_t j = 0; j < n2; ++j) {
-            const size_t i = k * n2 + j;
-            EXPECT_NEAR(m.re[i], before.re[i] * std::cos(phi) - before.im[i] * std::sin(phi), 1e-5);
-            EXPECT_NEAR(m.im[i], before.re[i] * std::sin(phi) + before.im[i] * std::cos(phi), 1e-5);
+    struct Case {
+        uint32_t n2, n1;
+        double a, b;
+    };
+    for (const Case& c : {Case{65536, 1, 0.7, -25.0}, Case{8, 32, -0.4, 3.0}}) {
+        auto m = makeMatrix(c.n2, c.n1);
+        const auto before = m;
+        const uint32_t n = c.n1 > 1 ? c.n1 : c.n2;
+        applyPhase(m, 1, c.a, c.b);
+        double worst = 0.0;
+        for (size_t i = 0; i < m.re.size(); ++i) {
+            const double phi = c.a + double(c.n1 > 1 ? i / c.n2 : i) * c.b / n;
+            const double re = before.re[i] * std::cos(phi) - before.im[i] * std::sin(phi);
+            const double im = before.re[i] * std::sin(phi) + before.im[i] * std::cos(phi);
+            worst = std::max({worst, std::fabs(re - m.re[i]), std::fabs(im - m.im[i])});
         }
+        EXPECT_LT(worst, 1e-5) << c.n2 << " x " << c.n1;
     }
 }
 
