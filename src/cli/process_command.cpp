@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -159,6 +160,9 @@ FoundDataSets findDataSets(const ProcessOptions& options) {
             found.jobs.push_back(jobFor(tidy(set), root, options.outFolder));
             return true;
         });
+        // A batch goes in the order of the names, whatever order the folders list them in.
+        std::sort(found.jobs.begin() + static_cast<std::ptrdiff_t>(before), found.jobs.end(),
+                  [](const DataSetJob& a, const DataSetJob& b) { return a.path < b.path; });
         if (found.jobs.size() == before)
             found.failures.push_back(path + ": " + kNothingRecognisedCaption + ": " +
                                      kNothingRecognisedText);

@@ -96,6 +96,17 @@ TEST_F(ProcessCommand, EveryDataSetIsProcessedSavedAndTabulatedPastAFailure) {
                              "/missing: This file or folder does not exist\n");
     EXPECT_TRUE(fs::exists(tree + "/aspirin-1h/1/peaks.txt"));
     EXPECT_TRUE(fs::exists(tree + "/aspirin-1h/1/integrals.txt"));
+
+    // A script error fails the data set, which is not saved again.
+    const std::string stop = root + "/stop.lua";
+    std::ofstream(stop) << "wft() error('no peaks here', 0)";
+    const std::string saved = testdata::readFile(tree + "/naphtoicAcid-1h/1/fid.zolt");
+    const Outcome failing = cli(home, {"process", "--script", stop, tree + "/naphtoicAcid-1h"});
+    EXPECT_EQ(failing.status, 1);
+    EXPECT_EQ(failing.out,
+              "no peaks here\n0 of 1 data sets processed\nfailed: naphtoicAcid-1h/1: no peaks "
+              "here\n");
+    EXPECT_EQ(testdata::readFile(tree + "/naphtoicAcid-1h/1/fid.zolt"), saved);
 }
 
 TEST_F(ProcessCommand, MalformedCommandLinesAndAFolderWithoutDataSets) {
