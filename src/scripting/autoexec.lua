@@ -1,7 +1,7 @@
 -- autoexec.lua: the start-up script.
 -- Zolt runs it on every FID it reads while "Automatic Processing" is on.
 -- Edit it for your spectrometer and for the compounds you usually analyse:
--- every command of the console can be used here (see Help > Script Commands).
+-- every command of the console can be used here (its "?" button lists them).
 -- It needs Zolt 0.1 or later.
 
 forall( false )   -- the new document alone
