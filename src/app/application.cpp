@@ -6,7 +6,12 @@
 #include "app/document_opening.h"
 #include "document/document_file.h"
 #include "io/data_set_walk.h"
+<<<<<<< HEAD
 #include "operations/display_operations.h"
+=======
+#include "scripting/custom_workflow.h"
+#include "scripting/startup_script.h"
+>>>>>>> autoproc
 
 namespace zolt {
 
@@ -73,13 +78,25 @@ bool Application::openOne(const std::string& path) {
         return false;
     }
     Message failure;
-    auto doc = readDocument(path, preferences_, failure);
+    auto doc = readDocument(path, preferences_, failure, readerTable(), automaticScripts_);
     if (!doc) {
         platform_.messageBox(failure.caption, failure.text);
         return false;
     }
-    addDocument(std::move(doc));
+    runOpeningScripts(addDocument(std::move(doc)));
     return true;
+}
+
+void Application::runOpeningScripts(SpectrumDocument& document) {
+    if (!automaticScripts_) return;
+    if (document.documentPath.empty()) {
+        // The new document is in front: the script's targets are it alone.
+        if (preferences_.has(pref_flags::kAutomaticProcessing))
+            scriptHost().runScript(kStartupScriptName);
+    } else if ((document.flags & document_flags::kCustomWorkflow) &&
+               !preferences_.has(pref_flags::kShowPlan)) {
+        runCustomWorkflow(scriptHost(), document);
+    }
 }
 
 int Application::open(const std::string& path) {
@@ -94,8 +111,9 @@ int Application::open(const std::string& path) {
             return false;
         }
         Message failure;
-        if (auto doc = readDocument(found, preferences_, failure)) {
-            addDocument(std::move(doc));
+        if (auto doc =
+                readDocument(found, preferences_, failure, readerTable(), automaticScripts_)) {
+            runOpeningScripts(addDocument(std::move(doc)));
             ++opened;
         } else {
             platform_.messageBox(failure.caption, failure.text);

@@ -36,6 +36,11 @@ public:
     // failures are shown through the platform.
     bool save(SpectrumDocument& document);
 
+    // Whether opening runs scripts as the document windows do: the start-up script on newly
+    // read data when "Automatic Processing" is on, the custom workflow of a reopened document
+    // unless ShowPlan is on. Off until the program asks for it.
+    void setAutomaticScripts(bool on) { automaticScripts_ = on; }
+
     // Created on first use (running "Lua.init"); closing it drops its log and history.
     ScriptHost& scriptHost();
     bool hasScriptHost() const { return host_ != nullptr; }
@@ -57,6 +62,7 @@ public:
     }
     std::string clipboardText() override { return platform_.clipboardText(); }
     void setClipboardText(std::string_view text) override { platform_.setClipboardText(text); }
+    void openWithSystem(const std::string& path) override { platform_.openWithSystem(path); }
     std::string scriptsFolder() override { return zolt::scriptsFolder(preferences_); }
     std::string consoleShortcuts() override { return preferences_.consoleShortcuts.value_or(""); }
     void logAppended(std::string_view line) override {
@@ -65,6 +71,8 @@ public:
 
 private:
     bool openOne(const std::string& path);
+    // The new front document, just read: runs what its opening asks for.
+    void runOpeningScripts(SpectrumDocument& document);
 
     Platform& platform_;
     Preferences preferences_;
@@ -72,6 +80,7 @@ private:
     std::unique_ptr<ScriptHost> host_;
     std::function<void(std::string_view)> logListener_;
     int untitled_ = 0;
+    bool automaticScripts_ = false;
 };
 
 }  // namespace zolt

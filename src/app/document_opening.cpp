@@ -19,10 +19,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A saved document: its raw data read again and, unless the plan is only to be shown, its
-// processing replayed.
+// A saved document: its raw data read again and, unless the plan is only to be shown or a
+// custom workflow takes its place, its processing replayed.
 std::unique_ptr<SpectrumDocument> readSavedDocument(const std::string& documentPath,
-                                                    const Preferences& prefs, Message& failure) {
+                                                    const Preferences& prefs, Message& failure,
+                                                    bool customWorkflows) {
     DocumentRead read = readDocumentFile(documentPath);
     if (!read.document) {
         failure = read.message;
@@ -37,7 +38,10 @@ std::unique_ptr<SpectrumDocument> readSavedDocument(const std::string& documentP
     doc->matrix = std::move(*matrix);
     doc->documentPath = documentPath;
     doc->windowName = windowNameFor(doc->source);
-    replayProcessing(*doc, !prefs.has(pref_flags::kShowPlan));
+    // A document with a custom workflow runs its script instead of its saved processing.
+    const bool replay = !prefs.has(pref_flags::kShowPlan) &&
+                        !(customWorkflows && (doc->flags & document_flags::kCustomWorkflow));
+    replayProcessing(*doc, replay);
     addDefaultFourierTransformSteps(*doc);
     completeDisplay(*doc);
     return doc;
@@ -46,8 +50,8 @@ std::unique_ptr<SpectrumDocument> readSavedDocument(const std::string& documentP
 }  // namespace
 
 std::unique_ptr<SpectrumDocument> readDocument(const std::string& path, const Preferences& prefs,
-                                               Message& failure,
-                                               std::span<const ReaderRow> readers) {
+                                               Message& failure, std::span<const ReaderRow> readers,
+                                               bool customWorkflows) {
     if (!pathExists(path)) {
         failure = {kReadErrorCaption, kMissingPathText};
         return nullptr;
@@ -58,7 +62,8 @@ std::unique_ptr<SpectrumDocument> readDocument(const std::string& path, const Pr
     recognition.preferProcessedDocuments = prefs.has(pref_flags::kReadProcessedData);
     const FormatCode code = recognizeFormat(member, recognition);
     if (code == FormatCode::Zolt)
-        return readSavedDocument(documentFileFor(member, recognition), prefs, failure);
+        return readSavedDocument(documentFileFor(member, recognition), prefs, failure,
+                                 customWorkflows);
     ReadOptions options;
     options.processed = prefs.has(pref_flags::kReadProcessedData);
     auto read = readDataSet(path, code, options, failure, readers);

@@ -24,10 +24,12 @@ inline constexpr int kWindowNameDepth = 3;
 
 // A file, or an experiment folder, read by its format's row of `readers`, completed and loaded,
 // with the default FT steps of its time-domain axes; a saved document read again with its
-// processing. Nothing, and the message to show, when it cannot be read or does not exist.
+// processing, unless `customWorkflows` says its custom workflow will run in its place. Nothing,
+// and the message to show, when it cannot be read or does not exist.
 std::unique_ptr<SpectrumDocument> readDocument(const std::string& path, const Preferences& prefs,
                                                Message& failure,
-                                               std::span<const ReaderRow> readers = readerTable());
+                                               std::span<const ReaderRow> readers = readerTable(),
+                                               bool customWorkflows = false);
 
 // The last components of the data path (the file name only for loose native files).
 std::string windowNameFor(const SpectrumSource& source);

@@ -4,7 +4,8 @@ namespace zolt {
 
 MessageAnswer HeadlessPlatform::messageBox(std::string_view caption, std::string_view text,
                                            MessageButtons buttons) {
-    err_ << caption << ": " << text << '\n' << std::flush;
+    lastMessage_.assign(caption).append(": ").append(text);
+    err_ << lastMessage_ << '\n' << std::flush;
     ++messagesShown_;
     return defaultAnswer(buttons);
 }

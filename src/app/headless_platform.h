@@ -22,12 +22,15 @@ public:
     void openWithSystem(const std::string& path) override;
     // Message boxes shown so far: each one reports a failure to somebody who is not there.
     size_t messagesShown() const { return messagesShown_; }
+    // The last one as "caption: text"; empty before the first.
+    const std::string& lastMessage() const { return lastMessage_; }
 
 private:
     std::ostream& out_;
     std::ostream& err_;
     std::string clipboard_;
     size_t messagesShown_ = 0;
+    std::string lastMessage_;
 };
 
 }  // namespace zolt

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "cli/info_command.h"
+#include "cli/process_command.h"
 #include "cli/run_command.h"
 
 namespace {
@@ -14,6 +15,7 @@ constexpr const char* kUsage =
     "commands:\n"
     "  info PATH... [--json] [--points N] [--processed]   what a data set holds\n"
     "  run [-e CHUNK | SCRIPT.lua]... [PATH...]   runs Lua on the data sets\n"
+    "  process [--script FILE.lua] [--out DIR] PATH...   processes every data set found\n"
     "\n"
     "zolt-cli COMMAND --help describes a command.\n";
 
@@ -33,6 +35,7 @@ int main(int argc, char** argv) {
     }
     if (command == "info") return zolt::runInfoCommand(rest, std::cout, std::cerr);
     if (command == "run") return zolt::runRunCommand(rest, std::cout, std::cerr);
+    if (command == "process") return zolt::runProcessCommand(rest, std::cout, std::cerr);
     std::cerr << "zolt-cli: unknown command " << command << "\n" << kUsage;
     return 2;
 }

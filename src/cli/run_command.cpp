@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "app/application.h"
+#include "app/automatic_processing.h"
 #include "app/headless_platform.h"
 #include "platform_qt/qt_settings_store.h"
 
@@ -33,6 +34,8 @@ std::optional<RunOptions> parseRunArguments(const std::vector<std::string>& args
             o.help = true;
         } else if (a == "--save") {
             o.save = true;
+        } else if (a == "--auto") {
+            o.automatic = true;
         } else if (a == "-e") {
             if (++i == args.size()) return std::nullopt;
             o.items.push_back({false, args[i]});
@@ -90,7 +93,10 @@ int runRunCommand(const std::vector<std::string>& args, std::ostream& out, std::
     }
     HeadlessPlatform platform(out, err);
     QtSettingsStore settings;
-    Application app(platform, loadPreferences(settings));
+    // Only --auto makes sure of the start-up script: explicit scripts stay alone.
+    Application app(platform, options->automatic ? loadPreferences(settings, ensureStartupScript)
+                                                 : loadPreferences(settings));
+    app.setAutomaticScripts(options->automatic);
     return runInApplication(app, platform, *options, out, err);
 }
 

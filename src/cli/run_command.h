@@ -12,7 +12,7 @@ class Application;
 class HeadlessPlatform;
 
 inline constexpr const char* kRunUsage =
-    "usage: zolt-cli run [-e CHUNK | SCRIPT.lua]... [PATH...]\n"
+    "usage: zolt-cli run [--auto] [--save] [-e CHUNK | SCRIPT.lua]... [PATH...]\n"
     "\n"
     "Opens each PATH as a document (a data set, or every data set inside a folder; the last\n"
     "one opened is the front document), then runs the chunks and scripts in the order given,\n"
@@ -23,6 +23,10 @@ inline constexpr const char* kRunUsage =
     "  -e CHUNK    Lua text to run (chunk name \"input\")\n"
     "  SCRIPT.lua  a script file to run (chunk name: its base name)\n"
     "  --save      at the end, save every open document in place (beside its data)\n"
+    "  --auto      process each newly read data set with the start-up script (autoexec.lua\n"
+    "              of the scripts folder, written there when missing) and run the custom\n"
+    "              workflow of each reopened document, as the desktop program does; without\n"
+    "              it only the chunks and scripts given run\n"
     "\n"
     "Exit status: 0; 1 when a chunk or script raised an error or a path could not be opened;\n"
     "2 for a malformed command line.\n";
@@ -36,7 +40,8 @@ struct RunOptions {
     std::vector<RunItem> items;
     std::vector<std::string> paths;
     bool help = false;
-    bool save = false;  // save every open document in place at the end
+    bool save = false;       // save every open document in place at the end
+    bool automatic = false;  // opening runs the start-up script and custom workflows
 };
 
 // nullopt for a malformed command line.

@@ -55,7 +55,8 @@ bool isRootKey(std::string_view key) {
                                                  "! write with version",
                                                  "! creator",
                                                  "! content",
-                                                 "! last use"};
+                                                 "! last use",
+                                                 "run internal script"};
     for (std::string_view k : kKeys)
         if (k == key) return true;
     return false;
@@ -86,6 +87,8 @@ plist::Value* buildDocumentTree(const SpectrumDocument& doc) {
     plist::setString(root, "! creator", kCreator);
     plist::setString(root, "! content", "generic NMR spectrum");
     plist::setString(root, "! last use", kLastUseStamp);
+    if (doc.flags & document_flags::kCustomWorkflow)
+        plist::setBoolean(root, "run internal script", true);
     addKeptKeys(root, doc.keptKeys ? doc.keptKeys->root.get() : nullptr, isRootKey);
     return root;
 }
@@ -160,6 +163,8 @@ DocumentRead readDocumentFile(const std::string& path) {
     doc.readWithVersion = static_cast<int>(tree::integerOr(root.get(), "! read with version", 0));
     doc.writtenByNewerVersion =
         tree::number(root.get(), "! write with version").value_or(0.0) > kWriterVersion;
+    if (plist::booleanOf(plist::lookUp(root.get(), "run internal script")).value_or(false))
+        doc.flags |= document_flags::kCustomWorkflow;
     windowStateFromTree(tree::child(root.get(), "window state", plist::Kind::Dictionary), doc);
     if (!processingFromTree(
             tree::child(root.get(), "processing parameters", plist::Kind::Dictionary),

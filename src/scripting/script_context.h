@@ -29,6 +29,8 @@ public:
     virtual void message(std::string_view caption, std::string_view text) = 0;
     virtual std::string clipboardText() = 0;
     virtual void setClipboardText(std::string_view text) = 0;
+    // Opens a file with the program the system associates with it.
+    virtual void openWithSystem(const std::string& /*path*/) {}
 
     // Empty when there is no folder for scripts.
     virtual std::string scriptsFolder() = 0;

@@ -44,6 +44,9 @@ public:
     const std::string& log() const { return log_; }
     void setMessageLine(std::string_view text) { messageLine_ = text; }
     const std::string& messageLine() const { return messageLine_; }
+    // The console's one-line input, which the console keys and buttons act upon.
+    const std::string& inputLine() const { return inputLine_; }
+    void setInputLine(std::string text) { inputLine_ = std::move(text); }
     // Empties the log and the history.
     void clear();
 
@@ -78,6 +81,7 @@ private:
     lua_State* L_ = nullptr;
     std::string log_;
     std::string messageLine_ = "--";
+    std::string inputLine_;
     std::deque<std::string> history_;
     int8_t historyCursor_ = 0;
     std::vector<std::string> shortcuts_;
