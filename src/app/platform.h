@@ -25,6 +25,9 @@ public:
     // 8-bit text with "\r\n" line ends.
     virtual std::string clipboardText() = 0;
     virtual void setClipboardText(std::string_view text) = 0;
+    // The same table as a property list (XML) under the program's private format; programs
+    // without that format leave it out.
+    virtual void setClipboardPropertyList(std::string_view /*xml*/) {}
     virtual void beep() = 0;
     // Opens a file with the program the system associates with it.
     virtual void openWithSystem(const std::string& path) = 0;

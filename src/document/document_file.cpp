@@ -8,6 +8,7 @@
 #include "base/files.h"
 #include "document/analysis_section.h"
 #include "document/display_section.h"
+#include "document/integral_section.h"
 #include "document/kept_keys.h"
 #include "document/processing_section.h"
 #include "document/source_section.h"
@@ -59,7 +60,7 @@ bool isRootKey(std::string_view key) {
                                                  "run internal script"};
     for (std::string_view k : kKeys)
         if (k == key) return true;
-    return false;
+    return isIntegralSectionKey(key);
 }
 
 }  // namespace
@@ -79,6 +80,7 @@ plist::Value* buildDocumentTree(const SpectrumDocument& doc) {
     if (!keptEntry(doc, "multiplets"))
         plist::addToDictionary(root, "multiplets", multipletsToTree());
     if (!keptEntry(doc, "peaks")) plist::addToDictionary(root, "peaks", peaksToTree());
+    addIntegralSection(root, doc);
     plist::addToDictionary(root, "xyz index", xyzIndexToTree(doc.source));
     if (doc.processing.doneMask)
         plist::addToDictionary(root, "performed processing", performedProcessingToTree(doc));
@@ -170,6 +172,7 @@ DocumentRead readDocumentFile(const std::string& path) {
             tree::child(root.get(), "processing parameters", plist::Kind::Dictionary),
             doc.processing))
         return incoherent();
+    integralSectionFromTree(root.get(), doc);
     return r;
 }
 

@@ -5,7 +5,7 @@ namespace zolt {
 const std::vector<const luaL_Reg*>& commandGroups() {
     static const std::vector<const luaL_Reg*> groups = {
         kConsoleCommands,   kTargetCommands,        kDocumentCommands, kDataCommands,
-        kTransformCommands, kPhaseBaselineCommands, kDisplayCommands,
+        kTransformCommands, kPhaseBaselineCommands, kDisplayCommands,  kIntegralCommands,
     };
     return groups;
 }

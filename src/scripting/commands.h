@@ -13,6 +13,7 @@ extern const luaL_Reg kDataCommands[];
 extern const luaL_Reg kTransformCommands[];
 extern const luaL_Reg kPhaseBaselineCommands[];
 extern const luaL_Reg kDisplayCommands[];
+extern const luaL_Reg kIntegralCommands[];
 
 // Every group, in registration order.
 const std::vector<const luaL_Reg*>& commandGroups();

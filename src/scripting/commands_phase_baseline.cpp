@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "operations/baseline_operations.h"
+#include "operations/integral_operations.h"
 #include "operations/phase_operations.h"
 #include "scripting/commands.h"
 #include "scripting/script_args.h"
@@ -17,6 +18,19 @@ constexpr double kRadiansPerDegree = std::numbers::pi / 180.0;
 constexpr long long kPolyOrderMax = 7, kPolyFilterMax = 128;
 // Rows beyond any matrix; keeps the conversion to an index defined.
 constexpr double kRowLimit = 9007199254740992.0;  // 2^53
+
+// Polynomial baseline; with integral zones and 1-D integral regions the regions are the signal
+// and the rest of the row the baseline.
+void polynomialOnTargets(lua_State* L, int order, int filter, bool integralZones) {
+    for (SpectrumDocument* d : targets(L)) {
+        if (integralZones)
+            if (auto outside = baselineOutsideIntegrals(*d, order)) {
+                finish(L, *d, *outside);
+                continue;
+            }
+        finish(L, *d, polynomialBaseline(*d, order, filter));
+    }
+}
 
 int abc(lua_State* L) {
     for (SpectrumDocument* d : targets(L)) finish(L, *d, automaticBaseline(*d));
@@ -36,7 +50,7 @@ int bline(lua_State* L) {
     if (!(order >= 0.0)) return 0;
     const int o = static_cast<int>(clampNumber(order, 0, 255));
     const int f = static_cast<int>(clampNumber(filter, 0, 32767));
-    for (SpectrumDocument* d : targets(L)) finish(L, *d, polynomialBaseline(*d, o, f));
+    polynomialOnTargets(L, o, f, lua_toboolean(L, 3));
     return 0;
 }
 
@@ -63,9 +77,7 @@ int phrow(lua_State* L) {
 int poly(lua_State* L) {
     const auto order = optClampedInteger(L, 1, kDefaultBaselineOrder, 0, kPolyOrderMax);
     const auto filter = optClampedInteger(L, 2, kDefaultBaselineFilter, 1, kPolyFilterMax);
-    // The third argument chooses integral regions as signal-free zones; documents carry none yet.
-    for (SpectrumDocument* d : targets(L))
-        finish(L, *d, polynomialBaseline(*d, static_cast<int>(order), static_cast<int>(filter)));
+    polynomialOnTargets(L, static_cast<int>(order), static_cast<int>(filter), lua_toboolean(L, 3));
     return 0;
 }
 

@@ -23,12 +23,14 @@ public:
     }
     std::string clipboardText() override { return clipboard; }
     void setClipboardText(std::string_view text) override { clipboard = text; }
+    void setClipboardPropertyList(std::string_view xml) override { clipboardList = xml; }
     void beep() override { ++beeps; }
     void openWithSystem(const std::string& path) override { opened.push_back(path); }
 
     std::vector<Box> boxes;
     std::optional<MessageAnswer> answer;
     std::string clipboard;
+    std::string clipboardList;
     int beeps = 0;
     std::vector<std::string> opened;
 };
