@@ -50,6 +50,7 @@ bool isRootKey(std::string_view key) {
                                                  "spectroscopy",
                                                  "processing parameters",
                                                  "xyz index",
+                                                 "peaks",
                                                  "performed processing",
                                                  "! read with version",
                                                  "! write with version",
@@ -77,7 +78,7 @@ plist::Value* buildDocumentTree(const SpectrumDocument& doc) {
     plist::addToDictionary(root, "processing parameters", processingToTree(doc.processing));
     if (!keptEntry(doc, "multiplets"))
         plist::addToDictionary(root, "multiplets", multipletsToTree());
-    if (!keptEntry(doc, "peaks")) plist::addToDictionary(root, "peaks", peaksToTree());
+    plist::addToDictionary(root, "peaks", peaksToTree(doc.peaks));
     plist::addToDictionary(root, "xyz index", xyzIndexToTree(doc.source));
     if (doc.processing.doneMask)
         plist::addToDictionary(root, "performed processing", performedProcessingToTree(doc));
@@ -161,6 +162,7 @@ DocumentRead readDocumentFile(const std::string& path) {
     doc.writtenByNewerVersion =
         tree::number(root.get(), "! write with version").value_or(0.0) > kWriterVersion;
     windowStateFromTree(tree::child(root.get(), "window state", plist::Kind::Dictionary), doc);
+    doc.peaks = peaksFromTree(tree::child(root.get(), "peaks", plist::Kind::Array));
     if (!processingFromTree(
             tree::child(root.get(), "processing parameters", plist::Kind::Dictionary),
             doc.processing))
