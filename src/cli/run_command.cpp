@@ -91,6 +91,7 @@ int runRunCommand(const std::vector<std::string>& args, std::ostream& out, std::
     HeadlessPlatform platform(out, err);
     QtSettingsStore settings;
     Application app(platform, loadPreferences(settings));
+    app.setSettingsStore(&settings);
     return runInApplication(app, platform, *options, out, err);
 }
 

@@ -4,8 +4,8 @@ namespace zolt {
 
 const std::vector<const luaL_Reg*>& commandGroups() {
     static const std::vector<const luaL_Reg*> groups = {
-        kConsoleCommands, kTargetCommands,    kDocumentCommands,
-        kDataCommands,    kTransformCommands, kPhaseBaselineCommands,
+        kConsoleCommands,   kTargetCommands,        kDocumentCommands, kDataCommands,
+        kTransformCommands, kPhaseBaselineCommands, kPeakCommands,
     };
     return groups;
 }

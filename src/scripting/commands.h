@@ -12,6 +12,7 @@ extern const luaL_Reg kDocumentCommands[];
 extern const luaL_Reg kDataCommands[];
 extern const luaL_Reg kTransformCommands[];
 extern const luaL_Reg kPhaseBaselineCommands[];
+extern const luaL_Reg kPeakCommands[];
 
 // Every group, in registration order.
 const std::vector<const luaL_Reg*>& commandGroups();
