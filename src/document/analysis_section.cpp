@@ -59,4 +59,8 @@ PeakLists peaksFromTree(const plist::Value* array) {
     return peaks;
 }
 
+bool sameLists(const PeakLists& a, const PeakLists& b) {
+    return a.oneD == b.oneD && a.twoD == b.twoD && a.threeD == b.threeD;
+}
+
 }  // namespace zolt

@@ -14,5 +14,6 @@ plist::Value* multipletsToTree();
 
 // Entries of another shape are skipped.
 PeakLists peaksFromTree(const plist::Value* array);
+bool sameLists(const PeakLists& a, const PeakLists& b);
 
 }  // namespace zolt

@@ -62,6 +62,14 @@ bool isRootKey(std::string_view key) {
     return false;
 }
 
+// A list unchanged since the file was read goes back as the file held it, to the digit.
+Value* peaksEntry(const SpectrumDocument& doc) {
+    const Value* kept = keptEntry(doc, "peaks");
+    if (kept && sameLists(peaksFromTree(kept), doc.peaks))
+        return plist::retain(const_cast<Value*>(kept));
+    return peaksToTree(doc.peaks);
+}
+
 }  // namespace
 
 plist::Value* buildDocumentTree(const SpectrumDocument& doc) {
@@ -78,7 +86,7 @@ plist::Value* buildDocumentTree(const SpectrumDocument& doc) {
     plist::addToDictionary(root, "processing parameters", processingToTree(doc.processing));
     if (!keptEntry(doc, "multiplets"))
         plist::addToDictionary(root, "multiplets", multipletsToTree());
-    plist::addToDictionary(root, "peaks", peaksToTree(doc.peaks));
+    plist::addToDictionary(root, "peaks", peaksEntry(doc));
     plist::addToDictionary(root, "xyz index", xyzIndexToTree(doc.source));
     if (doc.processing.doneMask)
         plist::addToDictionary(root, "performed processing", performedProcessingToTree(doc));

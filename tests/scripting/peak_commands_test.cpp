@@ -22,7 +22,8 @@ struct ReferencePeak {
 // The Peak1D entries of a processed set's pdata/1/peaklist.xml.
 std::vector<ReferencePeak> spectrometerPeaks(const std::string& experiment) {
     const std::string xml = testdata::readFile(experiment + "/pdata/1/peaklist.xml");
-    static const std::regex entry(R"re(<Peak1D F1="([-0-9.]+)"[^>]*intensity="([-0-9.]+)")re");
+    static const std::regex entry(
+        R"re(<Peak1D F1="([-+0-9.eE]+)"[^>]*intensity="([-+0-9.eE]+)")re");
     std::vector<ReferencePeak> peaks;
     for (std::sregex_iterator it(xml.begin(), xml.end(), entry), end; it != end; ++it)
         peaks.push_back({std::stod((*it)[1]), std::stod((*it)[2])});
@@ -37,6 +38,15 @@ protected:
         return *app.frontDocument();
     }
     bool run(const std::string& chunk) { return app.scriptHost().executeInput(chunk); }
+    // The scale cut into fragments of 0.5 ppm, as scale fragmentation leaves it: a trace with
+    // more than 200 lines above the threshold yields none as one region.
+    void fragmentScale(SpectrumDocument& d) {
+        DisplayParameters plot = fallbackMainPlot(d);
+        plot.horizontal.ppm.clear();
+        for (float from = 16.0f; from > -2.0f; from -= 0.5f)
+            plot.horizontal.ppm.insert(plot.horizontal.ppm.end(), {from, from - 0.5f});
+        d.page.plots = {plot};
+    }
     double nearest(const std::vector<float>& list, double ppm) {
         double best = INFINITY;
         for (float p : list) best = std::min(best, std::fabs(p - ppm));
@@ -46,17 +56,21 @@ protected:
     Application app;
 };
 
-// The spectrometer's lists are referenced as the spectrometer processed them; both lists are
-// put on the same scale by the offset between their tallest peaks (the data's own height
-// decides which of ours is tallest).
+// The spectrometer's lists are referenced as its operator left them: the documents' own scales
+// agree within 0.0003 ppm for aspirin and naphthoic acid, strychnine's list sits 0.006 ppm off.
+// Both lists are put on one scale by the offset between their tallest peaks (the data's own
+// height decides which of ours is tallest).
 TEST_F(PeakCommands, UpsFindsEverySpectrometerPeakAboveFivePercent) {
     for (const char* name : {"aspirin-1h", "naphtoicAcid-1h", "strychnine-1h"}) {
         SCOPED_TRACE(name);
         SpectrumDocument& d = open(name);
         const auto reference = spectrometerPeaks(testdata::bruker(name));
         ASSERT_FALSE(reference.empty());
-        ASSERT_TRUE(run("wft() aph() abc() ups()"));
+        ASSERT_TRUE(run("wft() aph() abc()"));
+        fragmentScale(d);
+        ASSERT_TRUE(run("ups()"));
         const std::vector<float>& list = d.peaks.oneD;
+        ASSERT_FALSE(list.empty());
         ASSERT_TRUE(std::is_sorted(list.begin(), list.end()));
         const auto tallestRef = std::max_element(
             reference.begin(), reference.end(),
@@ -66,7 +80,7 @@ TEST_F(PeakCommands, UpsFindsEverySpectrometerPeakAboveFivePercent) {
         const float tallest = *std::max_element(
             list.begin(), list.end(), [&](float a, float b) { return height(a) < height(b); });
         const double offset = tallestRef->ppm - tallest;
-        EXPECT_LT(std::fabs(offset), 0.05);
+        EXPECT_LT(std::fabs(offset), 0.01);
         size_t checked = 0;
         for (const auto& p : reference) {
             if (p.intensity < 0.05 * tallestRef->intensity) continue;
@@ -87,6 +101,9 @@ TEST_F(PeakCommands, HsqcCrossPeaksSitOnProtonLines) {
     ASSERT_TRUE(run("wft() wft() aph() abc() ups()"));
     SpectrumDocument& proton = open("cyclosporin-1h");
     ASSERT_TRUE(run("wft() aph() abc() ups()"));
+    EXPECT_TRUE(proton.peaks.oneD.empty());  // more than 200 lines in one region
+    fragmentScale(proton);
+    ASSERT_TRUE(run("ups()"));
     ASSERT_GT(hsqc.peaks.twoD.size(), 10u);
     for (const auto& p : hsqc.peaks.twoD) EXPECT_LT(nearest(proton.peaks.oneD, p[0]), 0.02) << p[0];
     app.bringToFront(hsqc);
