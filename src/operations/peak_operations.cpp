@@ -22,6 +22,16 @@ bool transformed(const SpectrumDocument& doc) {
     return doc.source.highestTIndex == 0 && !doc.matrix.re.empty();
 }
 
+float dataMaximum(const SpectrumMatrix& m, size_t count) {
+    float top = 0.0f;
+    for (size_t i = 0; i < std::min(count, m.re.size()); ++i) top = std::max(top, m.re[i]);
+    return top > 0.0f ? top : 1.0f;
+}
+
+AxisSegments wholeAxis(const DimensionRecord& d, int f) {
+    return {static_cast<uint8_t>(f), {d.lowestPpm + d.spectralWidth, d.lowestPpm}};
+}
+
 }  // namespace
 
 PeakAxes peakAxes(const SpectrumDocument& doc) {
@@ -41,20 +51,8 @@ PeakAxes peakAxes(const SpectrumDocument& doc) {
     return axes;
 }
 
-namespace {
-
-float dataMaximum(const SpectrumMatrix& m, size_t count) {
-    float top = 0.0f;
-    for (size_t i = 0; i < std::min(count, m.re.size()); ++i) top = std::max(top, m.re[i]);
-    return top > 0.0f ? top : 1.0f;
-}
-
-AxisSegments wholeAxis(const DimensionRecord& d, int f) {
-    return {static_cast<uint8_t>(f), {d.lowestPpm + d.spectralWidth, d.lowestPpm}};
-}
-
-}  // namespace
-
+// A stand-in while documents are read without display records; the display code that sets up a
+// new document's plots replaces it.
 DisplayParameters fallbackMainPlot(const SpectrumDocument& doc) {
     DisplayParameters plot;
     plot.box = {kMarginLeft, kMarginTop, kDefaultClientWidth - kMarginLeft - kMarginRight,
@@ -78,7 +76,12 @@ DisplayParameters fallbackMainPlot(const SpectrumDocument& doc) {
 }
 
 DisplayParameters mainPlotForPicking(const SpectrumDocument& doc) {
-    return doc.page.plots.empty() ? fallbackMainPlot(doc) : doc.page.plots.front();
+    if (doc.page.plots.empty()) return fallbackMainPlot(doc);
+    DisplayParameters plot = doc.page.plots.front();
+    // A plot that names no segment shows the whole axis.
+    const int x = horizontalAxis(doc);
+    if (plot.horizontal.ppm.size() < 2) plot.horizontal = wholeAxis(doc.matrix.dims[x], x);
+    return plot;
 }
 
 OperationResult pickPeaks1D(SpectrumDocument& doc, double threshold, bool highestOnly,
