@@ -6,12 +6,9 @@
 #include "app/document_opening.h"
 #include "document/document_file.h"
 #include "io/data_set_walk.h"
-<<<<<<< HEAD
 #include "operations/display_operations.h"
-=======
 #include "scripting/custom_workflow.h"
 #include "scripting/startup_script.h"
->>>>>>> autoproc
 
 namespace zolt {
 

@@ -22,6 +22,9 @@ public:
 
     Platform& platform() { return platform_; }
     Preferences& preferences() { return preferences_; }
+    // Where options kept between runs beyond the preference block live (the 2-D peak-picking
+    // options); without one they take their defaults.
+    void setSettingsStore(SettingsStore* store) { settings_ = store; }
 
     const std::vector<std::unique_ptr<SpectrumDocument>>& documentList() const {
         return documents_;
@@ -68,6 +71,8 @@ public:
     void logAppended(std::string_view line) override {
         if (logListener_) logListener_(line);
     }
+    PeakPickingOptions peakPickingOptions() override;
+    int peakPickingMinimum() override;
 
 private:
     bool openOne(const std::string& path);
@@ -76,6 +81,7 @@ private:
 
     Platform& platform_;
     Preferences preferences_;
+    SettingsStore* settings_ = nullptr;
     std::vector<std::unique_ptr<SpectrumDocument>> documents_;
     std::unique_ptr<ScriptHost> host_;
     std::function<void(std::string_view)> logListener_;

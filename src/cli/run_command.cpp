@@ -97,6 +97,7 @@ int runRunCommand(const std::vector<std::string>& args, std::ostream& out, std::
     Application app(platform, options->automatic ? loadPreferences(settings, ensureStartupScript)
                                                  : loadPreferences(settings));
     app.setAutomaticScripts(options->automatic);
+    app.setSettingsStore(&settings);
     return runInApplication(app, platform, *options, out, err);
 }
 

@@ -51,6 +51,7 @@ bool isRootKey(std::string_view key) {
                                                  "spectroscopy",
                                                  "processing parameters",
                                                  "xyz index",
+                                                 "peaks",
                                                  "performed processing",
                                                  "! read with version",
                                                  "! write with version",
@@ -61,6 +62,14 @@ bool isRootKey(std::string_view key) {
     for (std::string_view k : kKeys)
         if (k == key) return true;
     return isIntegralSectionKey(key);
+}
+
+// A list unchanged since the file was read goes back as the file held it, to the digit.
+Value* peaksEntry(const SpectrumDocument& doc) {
+    const Value* kept = keptEntry(doc, "peaks");
+    if (kept && sameLists(peaksFromTree(kept), doc.peaks))
+        return plist::retain(const_cast<Value*>(kept));
+    return peaksToTree(doc.peaks);
 }
 
 }  // namespace
@@ -79,7 +88,7 @@ plist::Value* buildDocumentTree(const SpectrumDocument& doc) {
     plist::addToDictionary(root, "processing parameters", processingToTree(doc.processing));
     if (!keptEntry(doc, "multiplets"))
         plist::addToDictionary(root, "multiplets", multipletsToTree());
-    if (!keptEntry(doc, "peaks")) plist::addToDictionary(root, "peaks", peaksToTree());
+    plist::addToDictionary(root, "peaks", peaksEntry(doc));
     addIntegralSection(root, doc);
     plist::addToDictionary(root, "xyz index", xyzIndexToTree(doc.source));
     if (doc.processing.doneMask)
@@ -168,6 +177,7 @@ DocumentRead readDocumentFile(const std::string& path) {
     if (plist::booleanOf(plist::lookUp(root.get(), "run internal script")).value_or(false))
         doc.flags |= document_flags::kCustomWorkflow;
     windowStateFromTree(tree::child(root.get(), "window state", plist::Kind::Dictionary), doc);
+    doc.peaks = peaksFromTree(tree::child(root.get(), "peaks", plist::Kind::Array));
     if (!processingFromTree(
             tree::child(root.get(), "processing parameters", plist::Kind::Dictionary),
             doc.processing))

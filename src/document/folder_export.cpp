@@ -105,6 +105,7 @@ bool writePackage(const SpectrumDocument& doc, const fs::path& folder) {
     SpectrumDocument package;
     package.metadata = doc.metadata;
     package.windowState = doc.windowState;
+    package.peaks = doc.peaks;
     SpectrumSource& s = package.source;
     s.rawPath = dataPath;
     s.fileName = kExportDataName;

@@ -14,6 +14,7 @@ extern const luaL_Reg kTransformCommands[];
 extern const luaL_Reg kPhaseBaselineCommands[];
 extern const luaL_Reg kDisplayCommands[];
 extern const luaL_Reg kIntegralCommands[];
+extern const luaL_Reg kPeakCommands[];
 
 // Every group, in registration order.
 const std::vector<const luaL_Reg*>& commandGroups();

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "analysis/peak_options.h"
 #include "model/spectrum_document.h"
 
 namespace zolt {
@@ -40,6 +41,10 @@ public:
     virtual void logAppended(std::string_view /*line*/) {}
     // The console's "for all documents" box follows the flag.
     virtual void applyToAllChanged(bool /*on*/) {}
+    // The stored 2-D picking options for a threshold of 1 (upper = the stored ratio), and the
+    // fewest display points a 1-D peak must rise above the baseline.
+    virtual PeakPickingOptions peakPickingOptions() { return loadPeakOptions(nullptr, 1.0f); }
+    virtual int peakPickingMinimum() { return 4; }
     // The document's window shows changed data.
     virtual void redraw(SpectrumDocument& /*document*/) {}
 };

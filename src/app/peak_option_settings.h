@@ -1,0 +1,27 @@
+// The 2-D peak-picking options in the program's settings, under their own group.
+#pragma once
+
+#include "analysis/peak_options.h"
+#include "app/preferences.h"
+#include "app/settings_store.h"
+
+namespace zolt {
+
+// Which of the preference option bytes holds the picking minimum of 1-D peaks (display points).
+inline constexpr size_t kPickingMinimumByte = 3;
+
+class SettingsPeakOptionStore : public PeakOptionStore {
+public:
+    explicit SettingsPeakOptionStore(SettingsStore& store) : store_(store) {}
+    std::optional<std::string> bytes(std::string_view name) const override;
+    void setBytes(std::string_view name, std::string_view value) override;
+
+private:
+    std::string nameInGroup(std::string_view name) const;
+    SettingsStore& store_;
+};
+
+// The picking minimum of the preferences, never below 4.
+int pickingMinimum(const Preferences& prefs);
+
+}  // namespace zolt

@@ -1,0 +1,144 @@
+#include "operations/peak_operations.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "analysis/peak_picking_1d.h"
+#include "operations/document_axes.h"
+
+namespace zolt {
+
+namespace {
+
+// Room for the scales around the plot of a default window, in pixels.
+constexpr float kMarginLeft = 40.0f, kMarginRight = 40.0f, kMarginTop = 20.0f,
+                kMarginBottom = 60.0f;
+// The tallest point stays this many pixels below the top of a 1-D box.
+constexpr float kHeadroomPixels = 6.0f;
+// Lowest contour level as a fraction of the maximum: same isotope on both axes, or not.
+constexpr float kContourDivisorSame = 128.0f, kContourDivisorMixed = 16.0f;
+
+bool transformed(const SpectrumDocument& doc) {
+    return doc.source.highestTIndex == 0 && !doc.matrix.re.empty();
+}
+
+float dataMaximum(const SpectrumMatrix& m, size_t count) {
+    float top = 0.0f;
+    for (size_t i = 0; i < std::min(count, m.re.size()); ++i) top = std::max(top, m.re[i]);
+    return top > 0.0f ? top : 1.0f;
+}
+
+AxisSegments wholeAxis(const DimensionRecord& d, int f) {
+    return {static_cast<uint8_t>(f), {d.lowestPpm + d.spectralWidth, d.lowestPpm}};
+}
+
+}  // namespace
+
+PeakAxes peakAxes(const SpectrumDocument& doc) {
+    const SpectrumMatrix& m = doc.matrix;
+    PeakAxes axes{horizontalAxis(doc), 0, 0};
+    const auto usable = [&](int f) {
+        return f >= 1 && f <= 3 && f != axes.x && f != axes.y && countsAsDimension(m.dims[f]);
+    };
+    axes.y = usable(m.yIndex) ? m.yIndex : 0;
+    for (int f = 3; f >= 1 && !axes.y; --f)
+        if (usable(f)) axes.y = f;
+    if (frequencyAxes(m) >= 3) {
+        axes.z = usable(m.zIndex) ? m.zIndex : 0;
+        for (int f = 3; f >= 1 && !axes.z; --f)
+            if (usable(f)) axes.z = f;
+    }
+    return axes;
+}
+
+// A stand-in while documents are read without display records; the display code that sets up a
+// new document's plots replaces it.
+DisplayParameters fallbackMainPlot(const SpectrumDocument& doc) {
+    DisplayParameters plot;
+    plot.box = {kMarginLeft, kMarginTop, kDefaultClientWidth - kMarginLeft - kMarginRight,
+                kDefaultClientHeight - kMarginTop - kMarginBottom};
+    const SpectrumMatrix& m = doc.matrix;
+    const int x = horizontalAxis(doc);
+    plot.horizontal = wholeAxis(m.dims[x], x);
+    if (frequencyAxes(m) < 2) {
+        plot.threshold = dataMaximum(m, m.dims[x].points) / (plot.box[3] - kHeadroomPixels);
+        return plot;
+    }
+    const PeakAxes axes = peakAxes(doc);
+    plot.hasVertical = true;
+    plot.flags |= display_flags::kYAxis;
+    plot.vertical = wholeAxis(m.dims[axes.y], axes.y);
+    const bool sameIsotope =
+        m.dims[x].atom[0] == m.dims[axes.y].atom[0] && m.dims[x].atom[1] == m.dims[axes.y].atom[1];
+    plot.threshold =
+        dataMaximum(m, m.pointCount()) / (sameIsotope ? kContourDivisorSame : kContourDivisorMixed);
+    return plot;
+}
+
+DisplayParameters mainPlotForPicking(const SpectrumDocument& doc) {
+    if (doc.page.plots.empty()) return fallbackMainPlot(doc);
+    DisplayParameters plot = doc.page.plots.front();
+    // A plot that names no segment shows the whole axis.
+    const int x = horizontalAxis(doc);
+    if (plot.horizontal.ppm.size() < 2) plot.horizontal = wholeAxis(doc.matrix.dims[x], x);
+    return plot;
+}
+
+OperationResult pickPeaks1D(SpectrumDocument& doc, double threshold, bool highestOnly,
+                            int pickingMinimum) {
+    if (!transformed(doc)) return {};
+    const int x = horizontalAxis(doc);
+    const DimensionRecord& axis = doc.matrix.dims[x];
+    if (doc.matrix.re.size() < axis.points) return {};
+    const DisplayParameters plot = mainPlotForPicking(doc);
+    const int minimum = std::max(pickingMinimum, kMinimumPickingPoints);
+    pick1D(doc.matrix.re.data(), axis, plot, threshold, minimum, highestOnly, doc.peaks.oneD);
+    return {true, std::nullopt};
+}
+
+OperationResult runPeakPicker(SpectrumDocument& doc, const PeakPickingOptions& stored,
+                              const std::optional<PpmBox>& selection) {
+    if (!transformed(doc) || frequencyAxes(doc.matrix) < 2) return {};
+    PeakPickingOptions options = withThreshold(stored, mainPlotForPicking(doc).threshold);
+    options.dimensions = frequencyAxes(doc.matrix) >= 3 ? 3 : 2;
+    const PeakActionResult r =
+        runPeakAction(doc.peaks, doc.matrix, peakAxes(doc), selection, options);
+    OperationResult result{r.changed, std::nullopt};
+    if (r.tooMany) result.message = Message{kTooManyPeaksCaption, kTooManyPeaksText};
+    return result;
+}
+
+OperationResult pickAllPeaks(SpectrumDocument& doc, const PeakPickingOptions& stored,
+                             int pickingMinimum) {
+    if (frequencyAxes(doc.matrix) < 2) return pickPeaks1D(doc, 0.0, false, pickingMinimum);
+    PeakPickingOptions options = stored;
+    options.action = static_cast<uint8_t>(PeakAction::ScanSpectrum);
+    return runPeakPicker(doc, options, std::nullopt);
+}
+
+size_t peakCount(const SpectrumDocument& doc) {
+    switch (frequencyAxes(doc.matrix)) {
+        case 2:
+            return doc.peaks.twoD.size();
+        case 3:
+            return doc.peaks.threeD.size();
+        default:
+            return doc.peaks.oneD.size();
+    }
+}
+
+std::vector<double> peakColumns(const SpectrumDocument& doc, size_t index) {
+    if (index >= peakCount(doc)) return {};
+    switch (frequencyAxes(doc.matrix)) {
+        case 2:
+            return {doc.peaks.twoD[index][0], doc.peaks.twoD[index][1]};
+        case 3: {
+            const auto& p = doc.peaks.threeD[index];
+            return {p[0], p[1], p[2]};
+        }
+        default:
+            return {doc.peaks.oneD[index]};
+    }
+}
+
+}  // namespace zolt

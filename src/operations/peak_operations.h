@@ -1,0 +1,53 @@
+// Peak picking on a document and what the scripts read of its peak list.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "analysis/peak_actions.h"
+#include "analysis/peak_options.h"
+#include "model/spectrum_document.h"
+#include "operations/operation_result.h"
+
+namespace zolt {
+
+// The picking minimum never asks for fewer display points than this.
+inline constexpr int kMinimumPickingPoints = 4;
+
+// Picks every ppm fragment the main plot shows. A threshold of 0 or NaN takes the plot's own;
+// at least pickingMinimum display points either way.
+OperationResult pickPeaks1D(SpectrumDocument& doc, double threshold, bool highestOnly,
+                            int pickingMinimum);
+
+// One action of the 2-D picker with the stored options; the threshold becomes the main plot's
+// lowest contour level, the upper limit keeps its ratio to it.
+OperationResult runPeakPicker(SpectrumDocument& doc, const PeakPickingOptions& stored,
+                              const std::optional<PpmBox>& selection);
+
+// What ups() does: 1-D documents are picked at the plot's threshold, 2-D and 3-D ones scanned
+// whole. Only transformed spectra are picked.
+OperationResult pickAllPeaks(SpectrumDocument& doc, const PeakPickingOptions& stored,
+                             int pickingMinimum);
+
+// The 1-D table with the width at half height of every peak (the header doubled).
+std::string peakTableTextWithWidths(SpectrumDocument& doc, bool commaSeparated);
+
+// The f-indices of the peaks' coordinates: horizontal, vertical and, in 3-D, the third axis.
+PeakAxes peakAxes(const SpectrumDocument& doc);
+
+// The document's own list (1-D, 2-D or 3-D by its frequency axes).
+size_t peakCount(const SpectrumDocument& doc);
+// The stored ppm values of peak `index` (0-based); none when it does not exist.
+std::vector<double> peakColumns(const SpectrumDocument& doc, size_t index);
+
+// The main plot the picker reads its scale from. Documents read before display records were
+// kept have no plots: they get a stand-in for the default window (see fallbackMainPlot).
+DisplayParameters mainPlotForPicking(const SpectrumDocument& doc);
+// The whole ppm range in a box of the default client area less its margins, scaled so that
+// the tallest point stays 6 pixels below the top (1-D) or at 128 (16 across isotopes) times
+// the lowest contour level (2-D).
+DisplayParameters fallbackMainPlot(const SpectrumDocument& doc);
+
+}  // namespace zolt
