@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <filesystem>
@@ -192,11 +193,35 @@ TEST(JeolReader, TwoDimensionalSectionsFillAlternateRows) {
         for (int k = 7; k >= 0; --k) v = v << 8 | static_cast<unsigned char>(hsqc[at + k]);
         return static_cast<float>(std::bit_cast<double>(v));
     };
-    EXPECT_EQ(m->re[1 * 2 * 1024], value(0, 1));
-    // Imaginary parts of the time domain are negated: the spectrometer's sense is opposite.
-    EXPECT_EQ(m->im[1 * 2 * 1024], -value(1, 1));
-    EXPECT_EQ(m->re[(1 * 2 + 1) * 1024], value(2, 1));
-    EXPECT_EQ(m->im[(1 * 2 + 1) * 1024], -value(3, 1));
+    // Increment 1 is rows 2 and 3: the sections of the imaginary f1 parts first. Imaginary parts
+    // of the time domain are negated: the spectrometer's sense is opposite to ours.
+    EXPECT_EQ(m->re[2 * 1024], value(2, 1));
+    EXPECT_EQ(m->im[2 * 1024], -value(3, 1));
+    EXPECT_EQ(m->re[3 * 1024], value(0, 1));
+    EXPECT_EQ(m->im[3 * 1024], -value(1, 1));
+}
+
+// The rutin HSQC transformed as echo and anti-echo: single cross peaks of the rhamnose methyl
+// (tallest), of H-6/C-6 and H-8/C-8 of the flavonol, where the literature puts them (0.99/17.8,
+// 6.19/98.7, 6.38/93.6) within the carbon scale's offset of this spectrometer.
+TEST(JeolReader, PhaseSensitiveHsqcTransformsToItsCrossPeaks) {
+    testing::RecordingPlatform platform;
+    Application app(platform);
+    ASSERT_EQ(app.open(jeolFile("Rutin_3080ug200uL_DMSOd6_HSQC_400MHz_Jeol.jdf")), 1);
+    ASSERT_TRUE(app.scriptHost().executeInput("wft() wft()"));
+    const auto peaks = testdata::strongestPeaks(app.frontDocument()->matrix, 8, true, 4);
+    ASSERT_EQ(peaks.size(), 8u);
+    EXPECT_NEAR(peaks[0].xPpm, 0.95, 0.06);
+    EXPECT_NEAR(peaks[0].yPpm, 17.8, 0.6);
+    auto found = [&](double x, double y) {
+        return std::any_of(peaks.begin(), peaks.end(), [&](const testdata::Peak& p) {
+            return std::abs(p.xPpm - x) < 0.06 && std::abs(p.yPpm - y) < 0.6;
+        });
+    };
+    EXPECT_TRUE(found(6.19, 98.7));
+    EXPECT_TRUE(found(6.38, 93.6));
+    // Its mirror image along f1 (States processing of echo and anti-echo) is absent.
+    EXPECT_FALSE(found(0.95, 2 * 85.0 - 17.8));
 }
 
 // Copies cut short or with hostile sizes are refused with the message, never read.

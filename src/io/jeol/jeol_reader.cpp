@@ -20,9 +20,11 @@ constexpr uint32_t kMaxParameterBytes = 1u << 20;
 // Larger counts cannot be the data of a file the loader accepts.
 constexpr uint32_t kMaxPoints = 1u << 28;
 
-// FT-preferences codes: no preference on the direct axis, States on the indirect one.
+// FT-preferences codes: no preference on the direct axis; the indirect axis of a phase-sensitive
+// file holds echo and anti-echo signals (Bruker FnMODE 6), as the gradient-selected
+// experiments acquire them.
 constexpr uint8_t kDirectQuadrature = ' ';
-constexpr uint8_t kIndirectStates = 4;
+constexpr uint8_t kIndirectEchoAntiEcho = 6;
 
 using Parameters = std::map<std::string, JeolParameter>;
 
@@ -166,10 +168,10 @@ std::optional<DataSetRead> readJeolDelta(const std::string& path, const ReadOpti
         s.flags |= kBlockMatrix;
         s.blockSize = kJeolTileEdge * kJeolTileEdge * 8;
         if (sections == 4) {
-            // Each increment is two rows: the cosine- and the sine-modulated one.
+            // Each increment is two rows: the anti-echo and the echo signal.
             s.flags |= kJeolDelta2DPhaseSensitive;
             s.dims[1].points *= 2;
-            s.ftPreferences[1] = kIndirectStates;
+            s.ftPreferences[1] = kIndirectEchoAntiEcho;
             s.phaseable[1] = 1;
         }
         if (h->unit[1].base == jeol_unit::kSecond) ++timeDomain;

@@ -14,8 +14,8 @@ namespace zolt {
 // Complex data are stored as sections, all real values first, then all imaginary ones: a 1-D
 // file is an "interleaved" row, a 2-D file a "block matrix" of 32 x 32 tiles per section, its
 // four sections of a phase-sensitive acquisition marked "Jeol Delta 2-D ph-sens." (the indirect
-// axis then counts two rows, real and imaginary, per increment). Axes come from the header,
-// the carrier offset of a time-domain axis and the digital filter from the parameters.
+// axis then counts two rows per increment, transformed as echo and anti-echo). Axes come from the
+// header, the carrier offset of a time-domain axis and the digital filter from the parameters.
 // Nothing when the header is not JEOL's, the format is neither 1-D nor 2-D, or the sizes do
 // not fit the file.
 std::optional<DataSetRead> readJeolDelta(const std::string& path, const ReadOptions& options = {});

@@ -71,7 +71,8 @@ bool readJeolSections(const SpectrumSource& source, SpectrumMatrix& m) {
         const bool imaginary = section & 1;
         std::vector<float>& part = imaginary ? m.im : m.re;
         const float sign = imaginary && source.highestTIndex > 0 ? -1.0f : 1.0f;
-        const uint64_t rowOffset = sh.phaseSensitive ? static_cast<uint64_t>(section >> 1) : 0;
+        const uint64_t rowOffset =
+            sh.phaseSensitive ? static_cast<uint64_t>(1 - (section >> 1)) : 0;
         const uint64_t rowStep = sh.phaseSensitive ? 2 : 1;
         for (uint64_t firstRow = 0; firstRow < sh.fileRows; firstRow += T) {
             in.read(reinterpret_cast<char*>(band.data()),

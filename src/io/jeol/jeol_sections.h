@@ -14,7 +14,8 @@ inline constexpr uint32_t kJeolTileEdge = 32;
 // A source whose sections the loader reads here: complex data ("interleaved") marked "block
 // matrix". A 1-D file holds its real values, then its imaginary ones; a 2-D file has the
 // sections tiled, and four of them when marked "Jeol Delta 2-D ph-sens." (the direct axis'
-// part changing fastest; the indirect imaginary parts fill every second row). The time
+// part changing fastest; each increment becomes two rows, those of the indirect imaginary
+// sections first). The time
 // domain's imaginary parts are negated: the spectrometer's quadrature sense is the opposite
 // of ours.
 bool isJeolSectionSource(const SpectrumSource& source);
