@@ -224,6 +224,28 @@ TEST(JeolReader, PhaseSensitiveHsqcTransformsToItsCrossPeaks) {
     EXPECT_FALSE(found(0.95, 2 * 85.0 - 17.8));
 }
 
+// A saved document keeps the source's sections and flags: reopened, the raw data read and the
+// transform replayed give the same points.
+TEST(JeolReader, SavedDocumentReopensValueForValue) {
+    const std::string path = testdata::freshTempDir("jeol") + "/hsqc.jdf";
+    fs::copy_file(jeolFile("EC=8C_5m200u_MeOD_bzhou21_20190228__HSQC-1-1.jdf"), path);
+    testing::RecordingPlatform platform;
+    std::vector<float> before;
+    {
+        Application app(platform);
+        ASSERT_EQ(app.open(path), 1);
+        ASSERT_TRUE(app.scriptHost().executeInput("wft() wft()"));
+        before = app.frontDocument()->matrix.re;
+        ASSERT_TRUE(app.save(*app.frontDocument()));
+    }
+    Application app(platform);
+    ASSERT_EQ(app.open(path), 1);
+    const SpectrumDocument& doc = *app.frontDocument();
+    EXPECT_TRUE(doc.source.flags & kJeolDelta2DPhaseSensitive);
+    EXPECT_EQ(doc.matrix.re, before);
+    EXPECT_TRUE(platform.boxes.empty());
+}
+
 // Copies cut short or with hostile sizes are refused with the message, never read.
 TEST(JeolReader, DamagedFilesAreIncoherent) {
     const std::string good =

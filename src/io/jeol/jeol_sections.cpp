@@ -70,7 +70,7 @@ bool readJeolSections(const SpectrumSource& source, SpectrumMatrix& m) {
     for (int section = 0; section < sh.sections; ++section) {
         const bool imaginary = section & 1;
         std::vector<float>& part = imaginary ? m.im : m.re;
-        const float sign = imaginary && source.highestTIndex > 0 ? -1.0f : 1.0f;
+        const float sign = imaginary ? -1.0f : 1.0f;
         const uint64_t rowOffset =
             sh.phaseSensitive ? static_cast<uint64_t>(1 - (section >> 1)) : 0;
         const uint64_t rowStep = sh.phaseSensitive ? 2 : 1;

@@ -15,9 +15,9 @@ inline constexpr uint32_t kJeolTileEdge = 32;
 // matrix". A 1-D file holds its real values, then its imaginary ones; a 2-D file has the
 // sections tiled, and four of them when marked "Jeol Delta 2-D ph-sens." (the direct axis'
 // part changing fastest; each increment becomes two rows, those of the indirect imaginary
-// sections first). The time
-// domain's imaginary parts are negated: the spectrometer's quadrature sense is the opposite
-// of ours.
+// sections first). Imaginary parts are negated: the spectrometer's quadrature sense is the
+// opposite of ours (whatever the processing state, so that a saved document reads the same
+// values again).
 bool isJeolSectionSource(const SpectrumSource& source);
 // The sections of the matrix' size lie within a file of that size, and its sizes are whole
 // tiles.
