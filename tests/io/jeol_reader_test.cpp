@@ -159,8 +159,9 @@ TEST(JeolReader, OneDimensionalSpectraShowTheirSolventInPlace) {
         }
         const bool proton = d.isotope == 1;
         const double expected = proton ? solvent->proton : solvent->carbon;
-        // The spectrometer references 1H through the lock; its carbon scale is left as acquired,
-        // its solvent septet 1.1 to 1.5 ppm low in methanol and 0.5 ppm high in DMSO.
+        // The proton scales agree with the spectrometer's own processed spectrum; its carbon
+        // scales were left unreferenced: the septet lies 1.1 to 1.5 ppm low in methanol-d4 and
+        // 0.5 ppm high in DMSO-d6.
         EXPECT_NEAR(tallestNear(doc.matrix, expected, proton ? 0.3 : 2.0), expected,
                     proton ? 0.05 : 1.6);
         if (proton && read->source.highestTIndex) {
