@@ -10,6 +10,7 @@
 #include <new>
 #include <vector>
 
+#include "io/jeol/jeol_sections.h"
 #include "io/varian/varian_blocks.h"
 
 namespace zolt {
@@ -318,10 +319,13 @@ std::optional<SpectrumMatrix> loadMatrix(const SpectrumSource& source) {
 
     RawInput in;
     if (!openInput(source, in)) return std::nullopt;
+    const bool jeol = isJeolSectionSource(source);
     const bool tiled = (flags & kBlockMatrix) && !memory;
     const auto layout = tiled ? planTiles(source, sh, in.size, d.valueBytes)
                               : planRows(source, sh, in.size, d.valueBytes, memory);
-    if (varian ? !varianBlocksFit(source, sh.points * (sh.realOnly ? 1 : 2), in.size) : !layout)
+    if (jeol     ? !jeolSectionsFit(source, in.size)
+        : varian ? !varianBlocksFit(source, sh.points * (sh.realOnly ? 1 : 2), in.size)
+                 : !layout)
         return std::nullopt;
     try {
         m.re.assign(sh.points, 0.0f);
@@ -334,7 +338,9 @@ std::optional<SpectrumMatrix> loadMatrix(const SpectrumSource& source) {
     } catch (const std::bad_alloc&) {
         return std::nullopt;
     }
-    if (varian) {
+    if (jeol) {
+        if (!readJeolSections(source, m)) return std::nullopt;
+    } else if (varian) {
         if (!readVarianBlocks(source, m)) return std::nullopt;
     } else if (layout->tiled)
         readTiles(in, sh, *layout, m, d);

@@ -1,6 +1,7 @@
 #include "io/reader_table.h"
 
 #include "io/bruker/bruker_reader.h"
+#include "io/jeol/jeol_reader.h"
 #include "io/nmrpipe/nmrpipe_reader.h"
 #include "io/text_header/text_header_reader.h"
 #include "io/varian/varian_reader.h"
@@ -24,7 +25,7 @@ constexpr ReaderRow kReaders[] = {
     {FormatCode::Corvane, "Corvane", nullptr, nullptr},
     {FormatCode::Aspect, "Aspect", nullptr, nullptr},
     {FormatCode::NtNmr, "NT-NMR", nullptr, nullptr},
-    {FormatCode::JeolDelta, "Jeol Delta", nullptr, nullptr},
+    {FormatCode::JeolDelta, "Jeol Delta", readJeolDelta, nullptr},
     {FormatCode::JeolGx, "Jeol GX", nullptr, nullptr},
     {FormatCode::JcampDx, "JCAMP-DX", nullptr, nullptr},
     {FormatCode::GeMedNmr, "GE_MED_NMR", nullptr, nullptr},
