@@ -11,7 +11,6 @@ namespace zolt {
 namespace {
 
 constexpr const char* kRegionsKey = "integral regions";
-constexpr const char* kNormalizationKey = "integral normalization";
 
 // A saved real as a field: beyond the float range it is the largest float of its sign, so
 // that the conversion is always defined.
@@ -45,8 +44,6 @@ void addIntegralSection(plist::Value* root, const SpectrumDocument& doc) {
             plist::appendToArray(list, fields);
         }
     }
-    if (doc.page.integralNormalization != 1.0f)
-        plist::setReal(root, kNormalizationKey, doc.page.integralNormalization);
 }
 
 void integralSectionFromTree(const plist::Value* root, SpectrumDocument& doc) {
@@ -54,14 +51,10 @@ void integralSectionFromTree(const plist::Value* root, SpectrumDocument& doc) {
     if (const plist::Value* list = tree::child(root, kRegionsKey, plist::Kind::Array))
         for (const plist::Value* entry : list->items)
             if (auto r = regionOf(entry)) doc.integrals.push_back(*r);
-    const std::optional<float> divisor =
-        fieldOf(root ? plist::lookUp(root, kNormalizationKey) : nullptr);
-    doc.page.integralNormalization =
-        divisor && std::isfinite(*divisor) && *divisor != 0.0f ? *divisor : 1.0f;
 }
 
 bool isIntegralSectionKey(std::string_view key) {
-    return key == kRegionsKey || key == kNormalizationKey;
+    return key == kRegionsKey;
 }
 
 }  // namespace zolt

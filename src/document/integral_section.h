@@ -1,5 +1,6 @@
-// The integral part of a document file: "integral regions" (an array of arrays of six reals,
-// the fields of each region in order) and "integral normalization" (the divisor, a real).
+// The integral part of a document file: "integral regions", an array of arrays of six reals,
+// the fields of each region in order. Their divisor is the page record's "integral
+// normalization".
 #pragma once
 
 #include <string_view>
@@ -9,11 +10,9 @@
 
 namespace zolt {
 
-// Adds the keys to the root dictionary: the regions when there are any, the divisor when it
-// is not 1.
+// Adds the regions to the root dictionary when there are any.
 void addIntegralSection(plist::Value* root, const SpectrumDocument& doc);
-// Restores the regions and the divisor; entries that are not six numbers are skipped, and a
-// divisor that is not a finite non-zero number reads as 1.
+// Restores the regions; entries that are not six numbers are skipped.
 void integralSectionFromTree(const plist::Value* root, SpectrumDocument& doc);
 bool isIntegralSectionKey(std::string_view key);
 

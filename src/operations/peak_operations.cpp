@@ -4,28 +4,15 @@
 #include <cmath>
 
 #include "analysis/peak_picking_1d.h"
+#include "display/default_display.h"
 #include "operations/document_axes.h"
 
 namespace zolt {
 
 namespace {
 
-// Room for the scales around the plot of a default window, in pixels.
-constexpr float kMarginLeft = 40.0f, kMarginRight = 40.0f, kMarginTop = 20.0f,
-                kMarginBottom = 60.0f;
-// The tallest point stays this many pixels below the top of a 1-D box.
-constexpr float kHeadroomPixels = 6.0f;
-// Lowest contour level as a fraction of the maximum: same isotope on both axes, or not.
-constexpr float kContourDivisorSame = 128.0f, kContourDivisorMixed = 16.0f;
-
 bool transformed(const SpectrumDocument& doc) {
     return doc.source.highestTIndex == 0 && !doc.matrix.re.empty();
-}
-
-float dataMaximum(const SpectrumMatrix& m, size_t count) {
-    float top = 0.0f;
-    for (size_t i = 0; i < std::min(count, m.re.size()); ++i) top = std::max(top, m.re[i]);
-    return top > 0.0f ? top : 1.0f;
 }
 
 AxisSegments wholeAxis(const DimensionRecord& d, int f) {
@@ -51,32 +38,9 @@ PeakAxes peakAxes(const SpectrumDocument& doc) {
     return axes;
 }
 
-// A stand-in while documents are read without display records; the display code that sets up a
-// new document's plots replaces it.
-DisplayParameters fallbackMainPlot(const SpectrumDocument& doc) {
-    DisplayParameters plot;
-    plot.box = {kMarginLeft, kMarginTop, kDefaultClientWidth - kMarginLeft - kMarginRight,
-                kDefaultClientHeight - kMarginTop - kMarginBottom};
-    const SpectrumMatrix& m = doc.matrix;
-    const int x = horizontalAxis(doc);
-    plot.horizontal = wholeAxis(m.dims[x], x);
-    if (frequencyAxes(m) < 2) {
-        plot.threshold = dataMaximum(m, m.dims[x].points) / (plot.box[3] - kHeadroomPixels);
-        return plot;
-    }
-    const PeakAxes axes = peakAxes(doc);
-    plot.hasVertical = true;
-    plot.flags |= display_flags::kYAxis;
-    plot.vertical = wholeAxis(m.dims[axes.y], axes.y);
-    const bool sameIsotope =
-        m.dims[x].atom[0] == m.dims[axes.y].atom[0] && m.dims[x].atom[1] == m.dims[axes.y].atom[1];
-    plot.threshold =
-        dataMaximum(m, m.pointCount()) / (sameIsotope ? kContourDivisorSame : kContourDivisorMixed);
-    return plot;
-}
-
 DisplayParameters mainPlotForPicking(const SpectrumDocument& doc) {
-    if (doc.page.plots.empty()) return fallbackMainPlot(doc);
+    if (doc.page.plots.empty())
+        return defaultMainPlot(doc.matrix, kDefaultClientWidth, kDefaultClientHeight);
     DisplayParameters plot = doc.page.plots.front();
     // A plot that names no segment shows the whole axis.
     const int x = horizontalAxis(doc);

@@ -42,12 +42,8 @@ size_t peakCount(const SpectrumDocument& doc);
 // The stored ppm values of peak `index` (0-based); none when it does not exist.
 std::vector<double> peakColumns(const SpectrumDocument& doc, size_t index);
 
-// The main plot the picker reads its scale from. Documents read before display records were
-// kept have no plots: they get a stand-in for the default window (see fallbackMainPlot).
+// The main plot the picker reads its scale from; a document without plots is picked as the
+// default window would show it.
 DisplayParameters mainPlotForPicking(const SpectrumDocument& doc);
-// The whole ppm range in a box of the default client area less its margins, scaled so that
-// the tallest point stays 6 pixels below the top (1-D) or at 128 (16 across isotopes) times
-// the lowest contour level (2-D).
-DisplayParameters fallbackMainPlot(const SpectrumDocument& doc);
 
 }  // namespace zolt

@@ -13,7 +13,6 @@ TEST(IntegralSection, KeepsWhatIsSixNumbersAndDropsTheRest) {
     IntegralRegion r;
     r.fields = {8.25f, 7.5f, 10000.0f, -10000.0f, 10000.0f, 3.0f};
     saved.integrals = {r};
-    saved.page.integralNormalization = 0.37f;
     plist::Ref root(plist::createDictionary());
     addIntegralSection(root.get(), saved);
     plist::Value* list = plist::lookUp(root.get(), "integral regions");
@@ -32,16 +31,8 @@ TEST(IntegralSection, KeepsWhatIsSixNumbersAndDropsTheRest) {
     EXPECT_EQ(read.integrals[0].fields, r.fields);
     EXPECT_EQ(read.integrals[1].fields[0], -std::numeric_limits<float>::max());
     EXPECT_EQ(read.integrals[1].fields[5], std::numeric_limits<float>::max());
-    EXPECT_EQ(read.page.integralNormalization, 0.37f);
-
-    // A zero divisor would divide by zero: it reads as absolute integrals.
-    plist::Ref zero(plist::createDictionary());
-    plist::setReal(zero.get(), "integral normalization", 0.0);
-    integralSectionFromTree(zero.get(), read);
-    EXPECT_TRUE(read.integrals.empty());
-    EXPECT_EQ(read.page.integralNormalization, 1.0f);
     integralSectionFromTree(nullptr, read);
-    EXPECT_EQ(read.page.integralNormalization, 1.0f);
+    EXPECT_TRUE(read.integrals.empty());
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ protected:
     // The scale cut into fragments of 0.5 ppm, as scale fragmentation leaves it: a trace with
     // more than 200 lines above the threshold yields none as one region.
     void fragmentScale(SpectrumDocument& d) {
-        DisplayParameters plot = fallbackMainPlot(d);
+        DisplayParameters plot = d.page.plots.front();
         plot.horizontal.ppm.clear();
         for (float from = 16.0f; from > -2.0f; from -= 0.5f)
             plot.horizontal.ppm.insert(plot.horizontal.ppm.end(), {from, from - 0.5f});
@@ -118,7 +118,7 @@ TEST_F(PeakCommands, HsqcCrossPeaksSitOnProtonLines) {
     EXPECT_EQ(back.twoD, hsqc.peaks.twoD);
 
     // A lowest contour level far below the noise finds too many: the message, and no peaks.
-    DisplayParameters plot = fallbackMainPlot(hsqc);
+    DisplayParameters plot = hsqc.page.plots.front();
     plot.threshold /= 1e4f;
     hsqc.page.plots = {plot};
     ASSERT_TRUE(run("ups()"));
