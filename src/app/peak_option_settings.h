@@ -7,8 +7,10 @@
 
 namespace zolt {
 
-// Which of the preference option bytes holds the picking minimum of 1-D peaks (display points).
-inline constexpr size_t kPickingMinimumByte = 3;
+// Which of the preference option bytes holds the picking minimum of 1-D peaks, in display
+// points (15 by default: 3 % of a plot scaled to its tallest line keeps a crowded proton
+// spectrum under the 200 lines a region may yield).
+inline constexpr size_t kPickingMinimumByte = 5;
 
 class SettingsPeakOptionStore : public PeakOptionStore {
 public:

@@ -309,12 +309,23 @@ std::optional<Message> correctBaseline(SpectrumDocument& doc, int fIndex,
 }
 
 std::optional<Message> correctBaseplane(SpectrumDocument& doc, const BaseplaneStep& settings) {
-    // Every axis is checked before any is touched, so that a refusal leaves the data as they were.
+    // An axis too short for the polynomial (the few rows of an arrayed series, a short indirect
+    // axis) is left as it is; the others are corrected. Only when no axis is long enough is the
+    // correction refused, before anything is touched.
+    std::optional<Message> refusal;
+    bool any = false;
+    for (int f = 3; f >= 1; --f) {
+        if (!countsAsDimension(doc.matrix.dims[f])) continue;
+        if (auto message = pointCountMessage(doc.matrix.dims[f], settings))
+            refusal = refusal ? refusal : message;
+        else
+            any = true;
+    }
+    if (!any) return refusal;
     for (int f = 3; f >= 1; --f)
-        if (countsAsDimension(doc.matrix.dims[f]))
-            if (auto message = pointCountMessage(doc.matrix.dims[f], settings)) return message;
-    for (int f = 3; f >= 1; --f)
-        if (countsAsDimension(doc.matrix.dims[f])) correctBaseline(doc, f, settings);
+        if (countsAsDimension(doc.matrix.dims[f]) &&
+            !pointCountMessage(doc.matrix.dims[f], settings))
+            correctBaseline(doc, f, settings);
     return std::nullopt;
 }
 

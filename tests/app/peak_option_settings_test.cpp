@@ -25,13 +25,13 @@ TEST(PeakOptionSettings, StoredInTheirGroupAndReadByTheApplication) {
     Preferences prefs;
     Application app(platform, prefs);
     EXPECT_EQ(app.peakPickingOptions().upper, 100.0f);  // no store: the default ratio
-    EXPECT_EQ(app.peakPickingMinimum(), 4);             // the default byte 3 is raised to 4
+    EXPECT_EQ(app.peakPickingMinimum(), 15);  // the default option byte
     app.setSettingsStore(&settings);
-    app.preferences().optionBytes[kPickingMinimumByte] = 9;
+    app.preferences().optionBytes[kPickingMinimumByte] = 2;
     const PeakPickingOptions loaded = app.peakPickingOptions();
     EXPECT_EQ(loaded.upper, 25.0f);
     EXPECT_EQ(loaded.deltaY, 4.0f);
-    EXPECT_EQ(app.peakPickingMinimum(), 9);
+    EXPECT_EQ(app.peakPickingMinimum(), 4);  // never below 4
 }
 
 }  // namespace

@@ -223,9 +223,14 @@ TEST(BaseplaneCorrection, ColumnsAreCorrectedLikeRows) {
     EXPECT_EQ(plane.processing.steps[0].dimension, 2);
     EXPECT_EQ(plane.processing.steps[1].dimension, 1);
     for (size_t r = 0; r < 128; r += 9) EXPECT_NEAR(plane.matrix.re[r * 256 + 20], 0.0, 1.5) << r;
-    // Order 2 asks for 136 + 8 points on the 128 rows of f1: nothing is touched.
+    // Order 2 asks for 136 + 8 points on the 128 rows of f1: that axis is left, f2 corrected.
+    auto shortAxis = refused;
+    ASSERT_FALSE(correctBaseplane(shortAxis, polynomialSettings(2, 4)).has_value());
+    ASSERT_EQ(shortAxis.processing.steps.size(), 1u);
+    EXPECT_EQ(shortAxis.processing.steps[0].dimension, 2);
+    // Order 4 fits neither axis: nothing is touched.
     const auto before = refused.matrix.re;
-    EXPECT_TRUE(correctBaseplane(refused, polynomialSettings(2, 4)).has_value());
+    EXPECT_TRUE(correctBaseplane(refused, polynomialSettings(4, 4)).has_value());
     EXPECT_EQ(refused.matrix.re, before);
     EXPECT_TRUE(refused.processing.steps.empty());
 }

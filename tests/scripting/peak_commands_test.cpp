@@ -10,6 +10,7 @@
 #include "document/analysis_section.h"
 #include "document/document_file.h"
 #include "operations/peak_operations.h"
+#include "scripting/startup_script.h"
 #include "test_data.h"
 
 namespace zolt {
@@ -38,15 +39,6 @@ protected:
         return *app.frontDocument();
     }
     bool run(const std::string& chunk) { return app.scriptHost().executeInput(chunk); }
-    // The scale cut into fragments of 0.5 ppm, as scale fragmentation leaves it: a trace with
-    // more than 200 lines above the threshold yields none as one region.
-    void fragmentScale(SpectrumDocument& d) {
-        DisplayParameters plot = d.page.plots.front();
-        plot.horizontal.ppm.clear();
-        for (float from = 16.0f; from > -2.0f; from -= 0.5f)
-            plot.horizontal.ppm.insert(plot.horizontal.ppm.end(), {from, from - 0.5f});
-        d.page.plots = {plot};
-    }
     double nearest(const std::vector<float>& list, double ppm) {
         double best = INFINITY;
         for (float p : list) best = std::min(best, std::fabs(p - ppm));
@@ -56,19 +48,16 @@ protected:
     Application app;
 };
 
-// The spectrometer's lists are referenced as its operator left them: the documents' own scales
-// agree within 0.0003 ppm for aspirin and naphthoic acid, strychnine's list sits 0.006 ppm off.
-// Both lists are put on one scale by the offset between their tallest peaks (the data's own
-// height decides which of ours is tallest).
-TEST_F(PeakCommands, UpsFindsEverySpectrometerPeakAboveFivePercent) {
+// The spectrometer's lists are referenced as its operator left them, ours on the solvent line by
+// the start-up script: both are put on one scale by the offset between their tallest peaks (the
+// data's own height decides which of ours is tallest).
+TEST_F(PeakCommands, StartupScriptFindsEverySpectrometerPeakAboveFivePercent) {
     for (const char* name : {"aspirin-1h", "naphtoicAcid-1h", "strychnine-1h"}) {
         SCOPED_TRACE(name);
         SpectrumDocument& d = open(name);
         const auto reference = spectrometerPeaks(testdata::bruker(name));
         ASSERT_FALSE(reference.empty());
-        ASSERT_TRUE(run("wft() aph() abc()"));
-        fragmentScale(d);
-        ASSERT_TRUE(run("ups()"));
+        ASSERT_TRUE(run(std::string(defaultStartupScript())));
         const std::vector<float>& list = d.peaks.oneD;
         ASSERT_FALSE(list.empty());
         ASSERT_TRUE(std::is_sorted(list.begin(), list.end()));
@@ -80,7 +69,7 @@ TEST_F(PeakCommands, UpsFindsEverySpectrometerPeakAboveFivePercent) {
         const float tallest = *std::max_element(
             list.begin(), list.end(), [&](float a, float b) { return height(a) < height(b); });
         const double offset = tallestRef->ppm - tallest;
-        EXPECT_LT(std::fabs(offset), 0.01);
+        EXPECT_LT(std::fabs(offset), 0.1);
         size_t checked = 0;
         for (const auto& p : reference) {
             if (p.intensity < 0.05 * tallestRef->intensity) continue;
@@ -100,10 +89,7 @@ TEST_F(PeakCommands, HsqcCrossPeaksSitOnProtonLines) {
     SpectrumDocument& hsqc = open("cyclosporin-hsqc");
     ASSERT_TRUE(run("wft() wft() aph() abc() ups()"));
     SpectrumDocument& proton = open("cyclosporin-1h");
-    ASSERT_TRUE(run("wft() aph() abc() ups()"));
-    EXPECT_TRUE(proton.peaks.oneD.empty());  // more than 200 lines in one region
-    fragmentScale(proton);
-    ASSERT_TRUE(run("ups()"));
+    ASSERT_TRUE(run(std::string(defaultStartupScript())));
     ASSERT_GT(hsqc.peaks.twoD.size(), 10u);
     for (const auto& p : hsqc.peaks.twoD) EXPECT_LT(nearest(proton.peaks.oneD, p[0]), 0.02) << p[0];
     app.bringToFront(hsqc);

@@ -34,14 +34,16 @@ std::string hex(uint64_t v) {
 }
 
 TEST(ProcessedPoints, StartUpWorkflowGivesThePinnedPointsOnEveryBrukerSet) {
-    // Recorded before the restructuring of the document operations, reader table and FFT.
+    // Recorded before the restructuring of the document operations, reader table and FFT; the
+    // two arrayed series since the automatic baseplane corrects their rows and leaves their
+    // few-row axis.
     const std::map<std::string, std::string> expected = {
         {"aspirin-1h", "56e5b4cb1e6863f2"},         {"aspirin-1h-processed", "d7e092dc58a0d52c"},
         {"cosy-nus", "709a13e7d93c1bf3"},           {"cyclosporin-1h", "d3d4e6278357e584"},
         {"cyclosporin-cosy", "fb8a753e02c5888b"},   {"cyclosporin-hmbc", "a3a8ee7718c585f5"},
         {"cyclosporin-hsqc", "e85a9645580e1a27"},   {"hsqc-nus", "b4d2a5a9b3b3b784"},
-        {"inversion-recovery", "ff8c2c0923041c5d"}, {"naphtoicAcid-1h", "98954e7676aee7c7"},
-        {"strychnine-1h", "b0bbee01bdab67fc"},      {"t1rho-1h", "453c7f0a14414160"},
+        {"inversion-recovery", "42b534681b181ea1"}, {"naphtoicAcid-1h", "98954e7676aee7c7"},
+        {"strychnine-1h", "b0bbee01bdab67fc"},      {"t1rho-1h", "8ce05af3c79063ae"},
     };
     for (const auto& [name, pinned] : expected) {
         testing::RecordingPlatform platform;
