@@ -2,9 +2,11 @@
 // jcampconverter; damaged copies of them; the ASDF forms one by one.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "app/document_opening.h"
+#include "document/document_file.h"
 #include "io/jcamp/jcamp_asdf.h"
 #include "io/raw_loader.h"
 #include "jcamp_reference.h"
@@ -98,6 +100,26 @@ TEST(JcampFile, AxesAndOptionsOfTheBrukerFid) {
     EXPECT_EQ(d.atom[0], 'H');
     EXPECT_EQ(doc->source.highestTIndex, 1);
     EXPECT_EQ(doc->metadata.solvent, "CDCl3");
+}
+
+// The options and factors live in the document file: the saved document decodes the same table.
+TEST(JcampFile, SavedDocumentReadsTheSameTable) {
+    const std::string dir = freshTempDir("jcamp-saved");
+    Message failure;
+    for (const char* name :
+         {"naphtoicAcid-1h.fid.dx", "Rutin_3080ug200uL_DMSOd6_13CNMR_400MHz_JDX.jdx"}) {
+        const std::string copy = dir + "/" + name;
+        std::filesystem::copy_file(jcampFile(name), copy);
+        const auto doc = openFile(copy, failure);
+        ASSERT_TRUE(doc);
+        saveDocument(*doc, documentPathFor(*doc), false);
+        const auto reopened = openFile(copy, failure);
+        ASSERT_TRUE(reopened) << failure.text;
+        EXPECT_FALSE(reopened->documentPath.empty());
+        EXPECT_EQ(reopened->source.blockSize & 7, doc->source.blockSize & 7);
+        EXPECT_EQ(reopened->matrix.re, doc->matrix.re);
+        EXPECT_EQ(reopened->matrix.im, doc->matrix.im);
+    }
 }
 
 struct Damage {
