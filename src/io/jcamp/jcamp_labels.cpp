@@ -1,16 +1,18 @@
 #include "io/jcamp/jcamp_labels.h"
 
+#include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <cmath>
-#include <fstream>
+
+#include "base/files.h"
 
 namespace zolt {
 
 namespace {
 
 // Headers hold parameters, not data: anything longer is not a header this program reads.
-constexpr uint64_t kMaxHeaderBytes = uint64_t{64} << 20;
+constexpr size_t kMaxHeaderBytes = size_t{64} << 20;
 constexpr size_t kMaxRecords = 100000;
 // Longer values (embedded files, arrays) are kept only this far.
 constexpr size_t kMaxValueChars = 512;
@@ -53,15 +55,14 @@ const std::string* JcampHeader::find(std::string_view label) const {
 }
 
 std::optional<JcampHeader> readJcampHeader(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return std::nullopt;
+    const std::string text = readFileHead(path, kMaxHeaderBytes);
     JcampHeader h;
-    uint64_t offset = 0;
-    std::string line;
     bool inRecord = false;  // continuation lines belong to the last record
-    while (offset < kMaxHeaderBytes && std::getline(in, line)) {
-        offset += line.size() + 1;
-        const std::string_view l = line;
+    for (size_t pos = 0; pos < text.size();) {
+        size_t end = text.find('\n', pos);
+        if (end == std::string::npos) end = text.size();
+        const std::string_view l = std::string_view(text).substr(pos, end - pos);
+        pos = end + 1;
         if (!l.starts_with("##")) {
             if (inRecord && !h.records.empty()) append(h.records.back().value, withoutComment(l));
             continue;
@@ -76,7 +77,7 @@ std::optional<JcampHeader> readJcampHeader(const std::string& path) {
         if (r.label == "XYDATA" || r.label == "DATATABLE") {
             h.dataLabel = r.label;
             h.dataValue = r.value;
-            h.dataOffset = offset;
+            h.dataOffset = std::min<uint64_t>(pos, text.size());
             return h;
         }
         // A block of its own title starts: a linked file's outer block holds no data.

@@ -1,7 +1,9 @@
 #include "io/jcamp/jcamp_reader.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
+#include <cstdint>
 
 #include "base/paths.h"
 #include "io/bruker/bruker_time_shift.h"
