@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 #include "base/paths.h"
 #include "io/bruker/bruker_time_shift.h"
@@ -21,6 +22,16 @@ constexpr double kMaxCount = double{1u << 30};
 std::optional<uint32_t> countOf(std::optional<double> v) {
     if (!v || !(*v >= 1.0) || *v > kMaxCount || *v != std::floor(*v)) return std::nullopt;
     return static_cast<uint32_t>(*v);
+}
+
+// Header numbers may be anything: kept inside what the record's fields hold.
+float narrowed(double v) {
+    constexpr double kMax = std::numeric_limits<float>::max();
+    return static_cast<float>(std::clamp(v, -kMax, kMax));
+}
+
+int integer(std::optional<double> v) {
+    return v ? static_cast<int>(std::clamp(*v, -1e9, 1e9)) : 0;
 }
 
 std::string upper(std::string s) {
@@ -81,10 +92,10 @@ bool setFrequencyAxis(DimensionRecord& d, uint32_t points, double first, double 
     if (ppmUnits) first *= mhz, last *= mhz;
     const double step = points > 1 ? std::abs(first - last) / (points - 1) : 0.0;
     d.points = points;
-    d.carrier = static_cast<float>(mhz);
+    d.carrier = narrowed(mhz);
     if (mhz > 0.0) {
-        d.spectralWidth = static_cast<float>(step * points / mhz);
-        d.lowestPpm = static_cast<float>((std::min(first, last) - step / 2) / mhz);
+        d.spectralWidth = narrowed(step * points / mhz);
+        d.lowestPpm = narrowed((std::min(first, last) - step / 2) / mhz);
     }
     return first < last;
 }
@@ -96,11 +107,11 @@ void applyShiftReference(const Labels& l, DimensionRecord& d, bool reversed) {
     const auto ppm = l.field(".SHIFTREFERENCE", 3);
     if (!point || !ppm || *point < 1.0 || *point > d.points) return;
     const double i = reversed ? d.points - *point : *point - 1.0;
-    d.lowestPpm += static_cast<float>(*ppm - ppmOfPoint(d, i));
+    d.lowestPpm += narrowed(*ppm - ppmOfPoint(d, i));
 }
 
 uint8_t quadratureMode(const Labels& l) {
-    if (const auto aqMod = l.number("$AQMOD")) return static_cast<uint8_t>(int(*aqMod) & 0x3F);
+    if (const auto aqMod = l.number("$AQMOD")) return static_cast<uint8_t>(integer(aqMod) & 0x3F);
     const std::string mode = upper(l.text(".ACQUISITIONMODE"));
     if (mode.starts_with("SEQUENTIAL")) return 2;
     if (mode.starts_with("SINGLE")) return 0;
@@ -123,18 +134,18 @@ bool setTimeAxis(const Labels& l, DimensionRecord& d, uint32_t points, double mh
     if (!(widthHz > 0.0) && dwell > 0.0) widthHz = 1.0 / dwell;
     if (!(widthHz > 0.0) || !std::isfinite(widthHz)) return false;
     d.points = points;
-    d.carrier = static_cast<float>(mhz);
+    d.carrier = narrowed(mhz);
     const double offsetHz = l.number("$O1").value_or(l.number("$FREQOFFSET").value_or(0.0) -
                                                      l.number("$REFERENCEPOINT").value_or(0.0));
     if (mhz > 0.0) {
-        d.spectralWidth = static_cast<float>(widthHz / mhz);
-        d.lowestPpm = static_cast<float>((offsetHz - widthHz / 2) / mhz);
+        d.spectralWidth = narrowed(widthHz / mhz);
+        d.lowestPpm = narrowed((offsetHz - widthHz / 2) / mhz);
     }
     if (const auto dspfvs = l.number("$DSPFVS"); dspfvs && first == 0.0) {
-        d.timeShift = static_cast<float>(-digitalFilterDelay(
-            int(*dspfvs), int(l.number("$DECIM").value_or(0)), l.number("$GRPDLY").value_or(0)));
+        d.timeShift = narrowed(-digitalFilterDelay(integer(dspfvs), integer(l.number("$DECIM")),
+                                                   l.number("$GRPDLY").value_or(0)));
     } else if (dwell > 0.0) {
-        d.timeShift = static_cast<float>(first / dwell);
+        d.timeShift = narrowed(first / dwell);
     }
     return true;
 }
@@ -144,7 +155,8 @@ void readMetadata(const Labels& l, DataSetRead& r) {
     r.metadata.solvent = l.text(".SOLVENTNAME");
     r.metadata.pulseSequence = l.text(".PULSESEQUENCE");
     r.info.dateStamp = l.text("LONGDATE");
-    r.info.scans = int(l.number(".AVERAGES").value_or(l.number("$NS").value_or(0)));
+    r.info.scans =
+        integer(l.number(".AVERAGES").has_value() ? l.number(".AVERAGES") : l.number("$NS"));
 }
 
 bool readXyData(const Labels& l, double mhz, SpectrumSource& s) {
@@ -157,7 +169,7 @@ bool readXyData(const Labels& l, double mhz, SpectrumSource& s) {
     const bool reversed = setFrequencyAxis(d, *points, *first, *last, mhz, ppm);
     applyShiftReference(l, d, reversed);
     if (reversed) s.blockSize |= jcamp_options::kReverseOrder;
-    s.yFactorReal = static_cast<float>(l.number("YFACTOR").value_or(1.0));
+    s.yFactorReal = narrowed(l.number("YFACTOR").value_or(1.0));
     s.flags |= source_flags::kRealOnly;
     if (upper(l.text("YUNITS")) == "MAGNITUDE") s.flags |= source_flags::kMagnitude;
     return true;
@@ -180,8 +192,8 @@ bool readComplexPages(const Labels& l, bool fid, double mhz, SpectrumSource& s) 
         if (reversed) s.blockSize |= jcamp_options::kReverseOrder;
     }
     s.blockSize |= jcamp_options::kNtuples;
-    s.yFactorReal = static_cast<float>(l.field("FACTOR", 1).value_or(1.0));
-    s.yFactorImaginary = static_cast<float>(l.field("FACTOR", 2).value_or(1.0));
+    s.yFactorReal = narrowed(l.field("FACTOR", 1).value_or(1.0));
+    s.yFactorImaginary = narrowed(l.field("FACTOR", 2).value_or(1.0));
     s.phaseable[1] = 1;
     s.ftPreferences[1] = quadratureMode(l);
     return true;
@@ -204,7 +216,7 @@ bool readPlanePages(const Labels& l, double mhz, SpectrumSource& s) {
     if (setFrequencyAxis(s.dims[2], *columns, *f2First, *f2Last, mhz,
                          upper(l.fieldText("UNITS", 1)) == "PPM"))
         s.blockSize |= jcamp_options::kReverseOrder;
-    s.yFactorReal = static_cast<float>(l.field("FACTOR", 2).value_or(1.0));
+    s.yFactorReal = narrowed(l.field("FACTOR", 2).value_or(1.0));
     s.flags |= source_flags::kRealOnly;
     return true;
 }
