@@ -51,6 +51,15 @@ bool readable(const std::string& folder) {
     return !ec;
 }
 
+std::string nodeModules() {
+    if (const char* env = std::getenv("ZOLT_NODE_MODULES_DIR"); env && *env) return env;
+    return ZOLT_NODE_MODULES_DIR;
+}
+
+std::string testSource(const std::string& relative) {
+    return (fs::path(ZOLT_TESTS_SOURCE_DIR) / relative).string();
+}
+
 std::string root() {
     static const std::string found = findRoot();
     return found;

@@ -26,6 +26,11 @@ bool readable(const std::string& folder);
 std::string bruker(const std::string& name);
 // The project's shared test data (Varian folders).
 std::string shared(const std::string& relative);
+// The installed npm packages (jcampconverter, the data packages): ZOLT_NODE_MODULES_DIR from the
+// environment, else the folder configured at build time (tests/data/node_modules by default).
+std::string nodeModules();
+// A file of the tests' own source folder, by its path below tests/ ("io/jcamp_points.mjs").
+std::string testSource(const std::string& relative);
 // The zolt-cli program built beside the tests. Defined only in the test programs of the folders
 // that CMakeLists.txt lists as running it: those are built after it.
 std::string cliPath();

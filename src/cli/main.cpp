@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/export_command.h"
 #include "cli/info_command.h"
 #include "cli/process_command.h"
 #include "cli/run_command.h"
@@ -16,6 +17,7 @@ constexpr const char* kUsage =
     "  info PATH... [--json] [--points N] [--processed]   what a data set holds\n"
     "  run [-e CHUNK | SCRIPT.lua]... [PATH...]   runs Lua on the data sets\n"
     "  process [--script FILE.lua] [--out DIR] PATH...   processes every data set found\n"
+    "  export --jcamp OUT PATH   writes the FID or spectrum as JCAMP-DX\n"
     "\n"
     "zolt-cli COMMAND --help describes a command.\n";
 
@@ -36,6 +38,7 @@ int main(int argc, char** argv) {
     if (command == "info") return zolt::runInfoCommand(rest, std::cout, std::cerr);
     if (command == "run") return zolt::runRunCommand(rest, std::cout, std::cerr);
     if (command == "process") return zolt::runProcessCommand(rest, std::cout, std::cerr);
+    if (command == "export") return zolt::runExportCommand(rest, std::cout, std::cerr);
     std::cerr << "zolt-cli: unknown command " << command << "\n" << kUsage;
     return 2;
 }

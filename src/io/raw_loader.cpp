@@ -10,6 +10,7 @@
 #include <new>
 #include <vector>
 
+#include "io/jcamp/jcamp_table_loading.h"
 #include "io/jeol/jeol_sections.h"
 #include "io/varian/varian_blocks.h"
 
@@ -281,11 +282,12 @@ std::optional<SpectrumMatrix> loadMatrix(const SpectrumSource& source) {
     if (flags & kVaxFloats) return std::nullopt;
     const bool memory = source.numberType == NumberType::InMemory;
     const bool varian = (flags & kVarianBinary) && !memory;
+    const bool jcamp = source.numberType == NumberType::AsciiSqueezed;
     Decoding d;
     d.type = memory ? NumberType::Float : source.numberType;
     d.littleEndian = memory ? std::endian::native == std::endian::little : (flags & kLittleEndian);
     d.valueBytes = rawValueBytes(d.type);
-    if (d.valueBytes == 0) return std::nullopt;
+    if (d.valueBytes == 0 && !jcamp) return std::nullopt;
 
     SpectrumMatrix m;
     m.phaseable = source.phaseable;
@@ -323,8 +325,10 @@ std::optional<SpectrumMatrix> loadMatrix(const SpectrumSource& source) {
     const bool tiled = (flags & kBlockMatrix) && !memory;
     const auto layout = tiled ? planTiles(source, sh, in.size, d.valueBytes)
                               : planRows(source, sh, in.size, d.valueBytes, memory);
+    const uint64_t values = sh.points * (sh.realOnly ? 1 : 2);
     if (jeol     ? !jeolSectionsFit(source, in.size)
-        : varian ? !varianBlocksFit(source, sh.points * (sh.realOnly ? 1 : 2), in.size)
+        : jcamp  ? !jcampTableFits(source, values, in.size)
+        : varian ? !varianBlocksFit(source, values, in.size)
                  : !layout)
         return std::nullopt;
     try {
@@ -340,6 +344,8 @@ std::optional<SpectrumMatrix> loadMatrix(const SpectrumSource& source) {
     }
     if (jeol) {
         if (!readJeolSections(source, m)) return std::nullopt;
+    } else if (jcamp) {
+        if (!loadJcampTable(source, m)) return std::nullopt;
     } else if (varian) {
         if (!readVarianBlocks(source, m)) return std::nullopt;
     } else if (layout->tiled)

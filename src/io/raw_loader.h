@@ -52,8 +52,9 @@ inline constexpr const char* kReadErrorText = "Error found while trying to read 
 inline constexpr size_t kMaxMatrixBytes = size_t{4} << 30;
 
 // nullopt when the file is missing, too short or its sizes are out of bounds, and for
-// number types and flags this loader does not decode (text forms, VAX). "Varian binary"
-// sources are read block by block by io/varian/varian_blocks.
+// number types and flags this loader does not decode (plain text, VAX). "Varian binary"
+// sources are read block by block by io/varian/varian_blocks, JCAMP-DX tables ("ASCII Squeezed
+// Difference Form") decoded by io/jcamp/jcamp_table_loading.
 std::optional<SpectrumMatrix> loadMatrix(const SpectrumSource& source);
 
 // Bytes of one raw value of a binary number type (long 4, short 2, float 4, 24 bits 3,

@@ -1,6 +1,7 @@
 #include "io/reader_table.h"
 
 #include "io/bruker/bruker_reader.h"
+#include "io/jcamp/jcamp_reader.h"
 #include "io/jeol/jeol_reader.h"
 #include "io/nmrpipe/nmrpipe_reader.h"
 #include "io/text_header/text_header_reader.h"
@@ -27,7 +28,7 @@ constexpr ReaderRow kReaders[] = {
     {FormatCode::NtNmr, "NT-NMR", nullptr, nullptr},
     {FormatCode::JeolDelta, "Jeol Delta", readJeolDelta, nullptr},
     {FormatCode::JeolGx, "Jeol GX", nullptr, nullptr},
-    {FormatCode::JcampDx, "JCAMP-DX", nullptr, nullptr},
+    {FormatCode::JcampDx, "JCAMP-DX", readJcamp, nullptr},
     {FormatCode::GeMedNmr, "GE_MED_NMR", nullptr, nullptr},
     {FormatCode::Siemens, "Siemens", readTextHeader, nullptr},
     {FormatCode::Philips, "Philips", nullptr, nullptr},
