@@ -25,10 +25,28 @@ constexpr const char* kNames[] = {
     "b.16",  "c.spins", "d.jdx", "e.tnt", "abcdef1", "data",   "sub"};
 constexpr size_t kNameCount = sizeof(kNames) / sizeof(kNames[0]);
 
-const fs::path& root() {
-    static const fs::path r =
+// The tree is built one level below a folder of its own, so that a link to ".." at its top
+// still points into that folder.
+const fs::path& base() {
+    static const fs::path b =
         fs::temp_directory_path() / ("zolt-format-walk-fuzz-" + std::to_string(getpid()));
+    return b;
+}
+
+const fs::path& root() {
+    static const fs::path r = base() / "tree";
     return r;
+}
+
+// Links make a path built from names point anywhere: nothing is created, and no step is taken,
+// where the path really leads outside the tree.
+bool insideTree(const fs::path& p) {
+    std::error_code ec;
+    const fs::path real = fs::weakly_canonical(p.parent_path(), ec);
+    const fs::path top = fs::weakly_canonical(root(), ec);
+    if (ec) return false;
+    const auto [end, unused] = std::mismatch(top.begin(), top.end(), real.begin(), real.end());
+    return end == top.end();
 }
 
 // Each entry: an operation byte (kind, name) and for files a length byte and the content.
@@ -38,9 +56,11 @@ void build(const uint8_t* data, size_t size) {
     for (size_t i = 0; i < size;) {
         const uint8_t op = data[i++];
         const fs::path target = here / kNames[(op >> 3) % kNameCount];
+        const bool allowed = insideTree(target);
         switch (op & 7) {
             case 0:
             case 1:
+                if (!allowed) break;
                 fs::create_directory(target, ec);
                 if (op & 1) here = target;
                 break;
@@ -51,20 +71,21 @@ void build(const uint8_t* data, size_t size) {
                     const size_t wanted = data[i++] % 64;
                     n = std::min(wanted, size - i);
                 }
-                std::ofstream(target, std::ios::binary)
-                    .write(reinterpret_cast<const char*>(data + i),
-                           static_cast<std::streamsize>(n));
+                if (allowed)
+                    std::ofstream(target, std::ios::binary)
+                        .write(reinterpret_cast<const char*>(data + i),
+                               static_cast<std::streamsize>(n));
                 i += n;
                 break;
             }
             case 4:
-                fs::create_directory_symlink("..", target, ec);
+                if (allowed) fs::create_directory_symlink("..", target, ec);
                 break;
             case 5:
-                fs::create_directory_symlink(".", target, ec);
+                if (allowed) fs::create_directory_symlink(".", target, ec);
                 break;
             case 6:
-                fs::create_symlink(root(), target, ec);
+                if (allowed) fs::create_symlink(root(), target, ec);
                 break;
             default:
                 if (here != root()) here = here.parent_path();
@@ -78,7 +99,7 @@ void build(const uint8_t* data, size_t size) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace zolt;
     std::error_code ec;
-    fs::remove_all(root(), ec);
+    fs::remove_all(base(), ec);
     fs::create_directories(root(), ec);
     build(data, size);
     std::set<std::string> found;

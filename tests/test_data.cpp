@@ -10,6 +10,7 @@
 #include <random>
 #include <sstream>
 #include <stdexcept>
+#include <vector>
 
 #include "app/document_opening.h"
 #include "io/bruker/bruker_reader.h"
@@ -89,12 +90,27 @@ std::string shared(const std::string& relative) {
     return std::string(ZOLT_SHARED_TESTDATA_DIR) + "/" + relative;
 }
 
+namespace {
+
+// Every folder handed out is removed, with what the test left in it, when the program ends.
+struct TempDirs {
+    std::vector<std::filesystem::path> made;
+    ~TempDirs() {
+        std::error_code ec;
+        for (const auto& dir : made) std::filesystem::remove_all(dir, ec);
+    }
+};
+
+}  // namespace
+
 std::string freshTempDir(const std::string& tag) {
+    static TempDirs dirs;
     std::random_device rd;
     auto dir = std::filesystem::temp_directory_path() /
                ("zolt-" + tag + "-" + std::to_string(rd()) + std::to_string(rd()));
     std::filesystem::remove_all(dir);
     std::filesystem::create_directories(dir);
+    dirs.made.push_back(dir);
     return dir.string();
 }
 
