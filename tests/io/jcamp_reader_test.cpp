@@ -85,7 +85,8 @@ INSTANTIATE_TEST_SUITE_P(JcampDataTest, JcampFile,
                                            "Rutin_3080ug200uL_DMSOd6_13CNMR_400MHz_JDX.jdx",
                                            "Rutin_3080ug200uL_DMSOd6_COSY_400MHz_JDX.jdx",
                                            "Rutin_3080ug200uL_DMSOd6_HSQC_400MHz_JDX.jdx",
-                                           "Rutin_3080ug200uL_DMSOd6_HMBC_400MHz_JDX.jdx"));
+                                           "Rutin_3080ug200uL_DMSOd6_HMBC_400MHz_JDX.jdx",
+                                           "qmagnetics/ibuprofen_j_ave_qmagnetics.jdx"));
 
 TEST(JcampFile, AxesAndOptionsOfTheBrukerFid) {
     Message failure;
