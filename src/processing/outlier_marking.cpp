@@ -155,6 +155,46 @@ bool boundable(const Sums& fast, size_t n) {
     return n < (size_t{1} << 40) && fast.sum <= 1e300 && fast.sumSq <= 1e300;
 }
 
+// The threshold of a pass over the values at or below cut, from the defining sums.
+double orderedThreshold(const std::vector<double>& value, double cut, size_t count) {
+    const Sums s = orderedSums(value, cut);
+    return threshold(s.sum, s.sum, s.sumSq, count);
+}
+
+// One pass over the values at or below cut: cuts the pool where the pass's own threshold does
+// and returns a threshold that cuts it there, the exact one when ordered is set.
+double cutPass(const std::vector<double>& value, double cut, Pool& pool, bool& ordered) {
+    const size_t count = pool.count(), n = value.size();
+    Sums sums = pool.sums();
+    ordered = !boundable(sums, n);
+    Bounds bounds{};
+    if (!ordered) {
+        bounds = thresholdBounds(sums, count, n);
+        // The values at or below the level are kept for certain only when the level is at or
+        // below the least threshold; otherwise split lower, once.
+        if (bounds.low < pool.level) {
+            split(value, cut, bounds.low, pool);
+            bounds = thresholdBounds(pool.sums(), count, n);
+            ordered = bounds.low < pool.level;
+        }
+    }
+    bool listWhole = true;
+    if (!ordered) {
+        // Every listed value outside (low, high] is on a known side of the pass's own
+        // threshold, and low puts it on the same side.
+        ordered = cutList(pool, bounds.low, bounds.low, bounds.high) > 0;
+        if (!ordered) return bounds.low;
+        listWhole = false;
+    }
+    const double t = orderedThreshold(value, cut, count);
+    // A list the fast cut went through, or a threshold under the level, needs a new split.
+    if (listWhole && t >= pool.level)
+        cutList(pool, t, 0.0, 0.0);
+    else
+        split(value, std::min(cut, t), t, pool);
+    return t;
+}
+
 }  // namespace
 
 double markOutliers(const double* d, size_t n, uint8_t* mask) {
@@ -177,44 +217,13 @@ double markOutliers(const double* d, size_t n, uint8_t* mask) {
     for (;;) {
         const size_t count = pool.count();
         const double passCut = cut;
-        Sums sums = pool.sums();
-        bool ordered = !boundable(sums, n);
-        Bounds bounds{};
-        if (!ordered) {
-            bounds = thresholdBounds(sums, count, n);
-            // Every value at or below the level is kept for certain only when the level is at
-            // or below the least threshold; otherwise split lower, once.
-            if (bounds.low < pool.level) {
-                split(value, cut, bounds.low, pool);
-                sums = pool.sums();
-                bounds = thresholdBounds(sums, count, n);
-                ordered = bounds.low < pool.level;
-            }
-        }
-        double t = bounds.low;
-        bool listWhole = true;
-        if (!ordered) {
-            // Every listed value outside (low, high] is on a known side of the pass's own
-            // threshold, and low puts it on the same side.
-            ordered = cutList(pool, t, bounds.low, bounds.high) > 0;
-            listWhole = false;
-        }
-        if (ordered) {
-            sums = orderedSums(value, passCut);
-            t = threshold(sums.sum, sums.sum, sums.sumSq, count);
-            // A list the fast cut went through, or a threshold under the level, needs a new split.
-            if (listWhole && t >= pool.level)
-                cutList(pool, t, 0.0, 0.0);
-            else
-                split(value, std::min(cut, t), t, pool);
-        }
+        bool ordered = false;
+        double t = cutPass(value, cut, pool, ordered);
         cut = std::min(cut, t);
+        // The last pass marks nothing, or everything left; its threshold is the one returned.
         const size_t marked = count - pool.count();
         if (marked == 0 || marked == count) {
-            if (!ordered) {
-                sums = orderedSums(value, passCut);
-                t = threshold(sums.sum, sums.sum, sums.sumSq, count);
-            }
+            if (!ordered) t = orderedThreshold(value, passCut, count);
             for (size_t i = 0; i < n; ++i) mask[i] |= static_cast<uint8_t>(value[i] > cut);
             return t;
         }
