@@ -7,59 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include "processing/outlier_marking.h"
+
 namespace zolt {
 namespace {
-
-// Marks every unmarked point of d[lo ... hi] above mean + 3 sigma of the unmarked points,
-// until a pass marks nothing. Returns the last threshold. The unmarked differences are kept
-// packed in their order, so each pass sums exactly what a walk over the row would, without
-// stepping over the marked ones.
-double markOutliers(const std::vector<double>& d, size_t lo, size_t hi, uint8_t* mask) {
-    std::vector<double> value;
-    std::vector<size_t> place;
-    value.reserve(hi - lo + 1);
-    place.reserve(hi - lo + 1);
-    for (size_t i = lo; i <= hi; ++i) {
-        if (mask[i]) continue;
-        value.push_back(d[i]);
-        place.push_back(i);
-    }
-    double threshold = 0.0, sum = 0.0, sumSq = 0.0;
-    for (const double v : value) {
-        sum += v;
-        sumSq += v * v;
-    }
-    for (;;) {
-        const size_t count = value.size();
-        if (count == 0) return threshold;
-        const double mean = sum / count;
-        const double variance = sumSq / count - mean * mean;
-        threshold = mean + 3.0 * std::sqrt(variance > 0.0 ? variance : 0.0);
-        // Branch-free: every entry is written at the kept end, which only moves on when it
-        // stays unmarked; the sums of the next pass are taken on the way. A marked entry adds
-        // +0, which leaves the sums as they are: they start at +0 and the differences are
-        // magnitudes.
-        size_t kept = 0;
-        double nextSum = 0.0, nextSumSq = 0.0;
-        for (size_t r = 0; r < count; ++r) {
-            const double v = value[r];
-            const size_t at = place[r];
-            const bool outlier = v > threshold;
-            mask[at] |= static_cast<uint8_t>(outlier);
-            value[kept] = v;
-            place[kept] = at;
-            kept += !outlier;
-            const double added = outlier ? 0.0 : v;
-            nextSum += added;
-            nextSumSq += added * added;
-        }
-        if (kept == count) return threshold;
-        value.resize(kept);
-        place.resize(kept);
-        sum = nextSum;
-        sumSq = nextSumSq;
-    }
-}
 
 // One widening pass: a baseline point with signal at both i-g and i+g becomes signal. The
 // marks are 0 or 1, so the test is an or/and, done on eight marks at once in a 64-bit word.
@@ -106,7 +57,7 @@ size_t detectBaselinePoints(const float* row, size_t n, int w, unsigned mode, ui
         for (size_t i = lo; i <= hi; ++i)
             if (d[i] > limit) mask[i] = 1;
     }
-    const double threshold = markOutliers(d, lo, hi, mask);
+    const double threshold = markOutliers(d.data() + lo, hi - lo + 1, mask + lo);
     carried = std::max(carried, threshold);
 
     // The ends have no difference of their own; they follow the nearest point that has one.
