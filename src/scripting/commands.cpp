@@ -4,9 +4,9 @@ namespace zolt {
 
 const std::vector<const luaL_Reg*>& commandGroups() {
     static const std::vector<const luaL_Reg*> groups = {
-        kConsoleCommands, kTargetCommands,    kDocumentCommands,
-        kDataCommands,    kTransformCommands, kPhaseBaselineCommands,
-        kDisplayCommands, kIntegralCommands,  kPeakCommands,
+        kConsoleCommands,   kTargetCommands,        kDocumentCommands, kDataCommands,
+        kTransformCommands, kPhaseBaselineCommands, kDisplayCommands,  kIntegralCommands,
+        kPeakCommands,      kPictureCommands,
     };
     return groups;
 }
