@@ -121,20 +121,23 @@ void drawFastPlot(QPainter& p, const Plane& pl, const DisplayParameters& plot, c
 }
 
 // An arrayed series (a pseudo-2-D set of 1-D rows) side by side: each row gets an equal slot
-// of the box's width, showing the horizontal segments' ppm range. The automatic scale puts the
-// lowest level at 1/16 of the extreme, so 16 levels span the height.
-constexpr double kArrayedLevelsTall = 16.0;
+// of the box's width, showing the horizontal segments' ppm range. The contour threshold says
+// nothing about the height of a row, so the rows share one scale from the plane's extremes,
+// with room for negative rows (an inversion recovery starts inverted).
 constexpr size_t kMostArrayedRows = 256;
 
-void drawArrayed(QPainter& p, const Plane& pl, const DisplayParameters& plot, const PlotFrame& f) {
+void drawArrayed(QPainter& p, const Plane& pl, const SpectrumMatrix& m, const PlotFrame& f) {
     if (f.x.empty()) return;
     const size_t rows = std::min<size_t>(pl.y->points, kMostArrayedRows);
     const double slot = f.data.width() / double(rows);
     const double hi = f.x.front().ppmA, lo = f.x.back().ppmB;
     const double a = pointPosition(*pl.x, hi), b = pointPosition(*pl.x, lo);
     const double perPixel = (b - a) / std::max(1.0, slot - 4);
-    const double scale = f.data.height() / (kArrayedLevelsTall * plot.threshold);
-    const double zero = f.data.bottom() - 4;
+    const DataExtremes e = shownExtremes(m);
+    const double low = std::min(0.0f, e.minimum), high = std::max(0.0f, e.maximum);
+    const double span = high > low ? high - low : 1.0;
+    const double scale = (f.data.height() - 8) / span;
+    const double zero = f.data.bottom() - 4 + low * scale;
     std::vector<float> row(pl.x->points);
     p.save();
     p.setClipRect(f.data);
@@ -164,7 +167,7 @@ void drawMapPlot(QPainter& p, const SpectrumDocument& doc, const DisplayParamete
         if (plot.plotMode() == PlotMode::Fast)
             drawFastPlot(p, *plane, plot, f);
         else if (plot.plotMode() == PlotMode::Arrayed)
-            drawArrayed(p, *plane, plot, f);
+            drawArrayed(p, *plane, doc.matrix, f);
         else
             drawContours(p, *plane, plot, f);
     }

@@ -100,9 +100,14 @@ void drawPeakLabels(QPainter& p, const SpectrumDocument& doc, const DisplayParam
                 top = std::min(top, labels[j++].top);
             const bool moved = j - i > 1 || std::fabs(at[i] - labels[i].x) > 0.5;
             const double knee = top - (moved ? 4 : 1) * kLabelGap;
-            const double base = std::max(knee - 2 * kLabelGap, f.box.top() + longest + kLabelGap);
+            const double wantedBase = knee - 2 * kLabelGap;
+            const double base = std::max(wantedBase, f.box.top() + longest + kLabelGap);
+            // Labels pushed down by the top of the box would lie on their peaks: they move
+            // beside them.
+            const double aside = base > wantedBase ? 0.8 * metrics.height() : 0.0;
             for (size_t k = i; k < j; ++k) {
                 const Label& l = labels[k];
+                const double x = at[k] + aside;
                 if (leaders)
                     p.drawPolyline(QPolygonF{{l.x, l.top},
                                              {l.x, std::min(l.top, knee)},
@@ -110,7 +115,7 @@ void drawPeakLabels(QPainter& p, const SpectrumDocument& doc, const DisplayParam
                                              {at[k], base + 1}});
                 if (!text) continue;
                 p.save();
-                p.translate(at[k] + metrics.ascent() / 2 - 1, base);
+                p.translate(x + metrics.ascent() / 2 - 1, base);
                 p.rotate(-90);
                 p.drawText(QPointF(0, 0), l.text);
                 p.restore();
