@@ -2,6 +2,7 @@
 // around picked cross peaks, and PDF and SVG pictures hold vector paths and text.
 #include <gtest/gtest.h>
 
+#include <QByteArray>
 #include <QGuiApplication>
 #include <QImage>
 #include <algorithm>
@@ -10,6 +11,7 @@
 
 #include "analysis/peak_picking_2d.h"
 #include "plot/axis_map.h"
+#include "plot/marching_squares.h"
 #include "plot/page_renderer.h"
 #include "plot/picture_output.h"
 #include "test_data.h"
@@ -119,8 +121,36 @@ TEST(Plot, PdfAndSvgHoldVectorPathsAndText) {
     EXPECT_EQ(pdf.rfind("%PDF", 0), 0u);
     EXPECT_NE(pdf.find("/Font"), std::string::npos);
     EXPECT_EQ(pdf.find("/Subtype /Image"), std::string::npos);
+    // The page's drawing: its compressed content streams hold moves, lines and strokes.
+    std::string content;
+    for (size_t at = pdf.find("stream\n"); at != std::string::npos;
+         at = pdf.find("stream\n", at + 1)) {
+        const size_t end = pdf.find("endstream", at);
+        if (end == std::string::npos || pdf.compare(at - 3, 3, "end") == 0) continue;
+        QByteArray packed(4, '\0');
+        packed[1] = 0x40;  // a size hint of 4 MB, big-endian
+        packed.append(pdf.data() + at + 7, qsizetype(end - at - 7));
+        content += qUncompress(packed).toStdString();
+    }
+    EXPECT_NE(content.find(" m\n"), std::string::npos);
+    EXPECT_NE(content.find(" l\n"), std::string::npos);
+    EXPECT_NE(content.find("BT"), std::string::npos);
     EXPECT_FALSE(writePicture(*doc, dir + "/a.xyz", "????"));
     EXPECT_EQ(pictureFormat("", "x.JPG"), PictureFormat::Jpeg);
+}
+
+// Diagonal corners above the level: the centre's average decides whether they join.
+TEST(Plot, SaddleCellsFollowTheirCentre) {
+    // Low corners 0 (centre 0.5) or 0.9 (centre 0.95), level 0.92.
+    for (const auto& [low, joined] : {std::pair{0.0f, false}, std::pair{0.9f, true}}) {
+        const float grid[] = {1.0f, low, low, 1.0f};
+        const GridWindow g{grid, 2, 1, 0, 2, 0, 2};
+        const auto lines = traceContours(g, {0.92f});
+        ASSERT_EQ(lines[0].size(), 2u);
+        // Apart, the first line cuts off the top-left corner; joined, the top-right one.
+        const ContourSegment& s = lines[0][0];
+        EXPECT_EQ(std::max(s.x0, s.x1) == 1.0f, joined) << low;
+    }
 }
 
 }  // namespace
