@@ -1,47 +1,20 @@
 #include "plot/map_plot.h"
 
 #include <QImage>
-#include <QPolygonF>
 #include <algorithm>
 #include <cmath>
-#include <optional>
 #include <tuple>
 
 #include "display/vertical_scale.h"
+#include "plot/map_plane.h"
 #include "plot/marching_squares.h"
+#include "plot/row_plots.h"
 #include "plot/scale_drawing.h"
 #include "plot/trace_annotations.h"
-#include "plot/trace_columns.h"
-#include "processing/phase.h"
 
 namespace zolt {
 
 namespace {
-
-// The shown plane and how its points lie: value(row, column) along the vertical and the
-// horizontal axis.
-struct Plane {
-    GridWindow grid;
-    const DimensionRecord* x = nullptr;
-    const DimensionRecord* y = nullptr;
-};
-
-std::optional<Plane> shownPlane(const SpectrumMatrix& m) {
-    const int xf = m.xIndex, yf = m.yIndex;
-    if (xf < 1 || xf > 3 || yf < 1 || yf > 3 || xf == yf) return std::nullopt;
-    const size_t total = m.pointCount();
-    if (m.re.size() < total || m.dims[xf].points < 2 || m.dims[yf].points < 2) return std::nullopt;
-    Plane pl;
-    pl.x = &m.dims[xf];
-    pl.y = &m.dims[yf];
-    pl.grid.columnStride = axisWalk(m, xf, total).inner;
-    pl.grid.rowStride = axisWalk(m, yf, total).inner;
-    const size_t last =
-        (pl.x->points - 1) * pl.grid.columnStride + (pl.y->points - 1) * pl.grid.rowStride;
-    if (m.planeOffset + last >= m.re.size()) return std::nullopt;
-    pl.grid.data = m.re.data() + m.planeOffset;
-    return pl;
-}
 
 // The points of an axis a segment shows, one more on either side so lines reach its edges.
 std::pair<size_t, size_t> pointRange(const DimensionRecord& d, const SegmentMap& s) {
@@ -55,10 +28,30 @@ double pixelOfPoint(const DimensionRecord& d, const SegmentMap& s, double i) {
     return s.pixel(ppmOfPoint(d, i));
 }
 
+// Gradient contours draw twice as many levels, each in its own colour: the positive ones from
+// blue through green to red as they rise, the negative ones from cyan to violet.
+constexpr float kGradientLevelStep = 0.5f;
+
+std::vector<QColor> levelColours(const ContourLevels& levels, const PlotFrame& f, bool gradient) {
+    std::vector<QColor> colours;
+    const auto add = [&](size_t n, const QColor& plain, int hueFrom, int hueTo) {
+        for (size_t i = 0; i < n; ++i) {
+            const double t = n > 1 ? double(i) / double(n - 1) : 0.0;
+            colours.push_back(
+                gradient ? QColor::fromHsv(int(hueFrom + (hueTo - hueFrom) * t), 255, 210) : plain);
+        }
+    };
+    add(levels.positive.size(), f.color1, 230, 0);
+    add(levels.negative.size(), f.color2, 180, 290);
+    return colours;
+}
+
 void drawContours(QPainter& p, const Plane& pl, const DisplayParameters& plot, const PlotFrame& f) {
-    const ContourLevels levels = contourLevels(plot);
+    const bool gradient = plot.plotMode() == PlotMode::GradientContours;
+    const ContourLevels levels = contourLevels(plot, gradient ? kGradientLevelStep : 1.0f);
     std::vector<float> all = levels.positive;
     all.insert(all.end(), levels.negative.begin(), levels.negative.end());
+    const std::vector<QColor> colours = levelColours(levels, f, gradient);
     for (const SegmentMap& sx : f.x)
         for (const SegmentMap& sy : f.y) {
             GridWindow g = pl.grid;
@@ -73,7 +66,7 @@ void drawContours(QPainter& p, const Plane& pl, const DisplayParameters& plot, c
                 QRectF(QPointF(sx.pixelA, sy.pixelA), QPointF(sx.pixelB, sy.pixelB)).normalized());
             for (size_t i = 0; i < all.size(); ++i) {
                 if (lines[i].empty()) continue;
-                p.setPen(QPen(all[i] < 0 ? f.color2 : f.color1, 0));
+                p.setPen(QPen(colours[i], 0));
                 QVector<QLineF> drawn;
                 drawn.reserve(static_cast<qsizetype>(lines[i].size()));
                 for (const ContourSegment& s : lines[i])
@@ -120,44 +113,6 @@ void drawFastPlot(QPainter& p, const Plane& pl, const DisplayParameters& plot, c
         }
 }
 
-// An arrayed series (a pseudo-2-D set of 1-D rows) side by side: each row gets an equal slot
-// of the box's width, showing the horizontal segments' ppm range. The contour threshold says
-// nothing about the height of a row, so the rows share one scale from the plane's extremes,
-// with room for negative rows (an inversion recovery starts inverted).
-constexpr size_t kMostArrayedRows = 256;
-
-void drawArrayed(QPainter& p, const Plane& pl, const SpectrumMatrix& m, const PlotFrame& f) {
-    if (f.x.empty()) return;
-    const size_t rows = std::min<size_t>(pl.y->points, kMostArrayedRows);
-    const double slot = f.data.width() / double(rows);
-    const double hi = f.x.front().ppmA, lo = f.x.back().ppmB;
-    const double a = pointPosition(*pl.x, hi), b = pointPosition(*pl.x, lo);
-    const double perPixel = (b - a) / std::max(1.0, slot - 4);
-    const DataExtremes e = shownExtremes(m);
-    const double low = std::min(0.0f, e.minimum), high = std::max(0.0f, e.maximum);
-    const double span = high > low ? high - low : 1.0;
-    const double scale = (f.data.height() - 8) / span;
-    const double zero = f.data.bottom() - 4 + low * scale;
-    std::vector<float> row(pl.x->points);
-    p.save();
-    p.setClipRect(f.data);
-    p.setPen(QPen(f.color1, 0));
-    for (size_t r = 0; r < rows; ++r) {
-        for (size_t c = 0; c < row.size(); ++c) row[c] = pl.grid.value(r, c);
-        const int columns = std::max(1, int(slot - 4));
-        const auto ext = columnExtremes(row.data(), row.size(), a, perPixel, columns);
-        QPolygonF line;
-        const double left = f.data.left() + double(r) * slot + 2;
-        for (size_t c = 0; c < ext.size(); ++c) {
-            const double yh = zero - ext[c].high * scale, yl = zero - ext[c].low * scale;
-            line << QPointF(left + double(c) + 0.5, c % 2 ? yl : yh)
-                 << QPointF(left + double(c) + 0.5, c % 2 ? yh : yl);
-        }
-        p.drawPolyline(line);
-    }
-    p.restore();
-}
-
 }  // namespace
 
 void drawMapPlot(QPainter& p, const SpectrumDocument& doc, const DisplayParameters& plot,
@@ -168,6 +123,8 @@ void drawMapPlot(QPainter& p, const SpectrumDocument& doc, const DisplayParamete
             drawFastPlot(p, *plane, plot, f);
         else if (plot.plotMode() == PlotMode::Arrayed)
             drawArrayed(p, *plane, doc.matrix, f);
+        else if (plot.plotMode() == PlotMode::Stacked || plot.plotMode() == PlotMode::WhiteWashed)
+            drawStacked(p, *plane, doc.matrix, f, plot.plotMode() == PlotMode::WhiteWashed);
         else
             drawContours(p, *plane, plot, f);
     }
@@ -175,8 +132,10 @@ void drawMapPlot(QPainter& p, const SpectrumDocument& doc, const DisplayParamete
     p.setPen(QPen(f.color1, 0));
     p.setBrush(Qt::NoBrush);
     p.drawRect(f.data);
-    // The rows of an arrayed plot have no common scale to show.
-    const bool arrayed = plot.plotMode() == PlotMode::Arrayed;
+    // Rows side by side or stacked have no common scale to show.
+    const PlotMode mode = plot.plotMode();
+    const bool arrayed =
+        mode == PlotMode::Arrayed || mode == PlotMode::Stacked || mode == PlotMode::WhiteWashed;
     if ((plot.flags & display_flags::kXAxis) && !arrayed) drawHorizontalScale(p, f, plot.flags);
     if ((plot.flags & display_flags::kYAxis) && !arrayed) drawVerticalScale(p, f, plot.flags);
     p.restore();
