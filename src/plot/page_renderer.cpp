@@ -8,7 +8,11 @@ namespace zolt {
 
 namespace {
 
-PlotFrame frameOf(const PageRecord& page, const DisplayParameters& plot) {
+double hzPerPpm(const PageRecord& page, const SpectrumMatrix& m, int f) {
+    return page.scaleUnit == ScaleUnit::Hz && f >= 1 && f <= 3 ? m.dims[f].carrier : 0.0;
+}
+
+PlotFrame frameOf(const PageRecord& page, const DisplayParameters& plot, const SpectrumMatrix& m) {
     PlotFrame f;
     f.box = QRectF(plot.box[0], plot.box[1], plot.box[2], plot.box[3]);
     f.data = f.box;
@@ -17,6 +21,8 @@ PlotFrame frameOf(const PageRecord& page, const DisplayParameters& plot) {
         f.data.setBottom(std::max(f.box.top() + 1, f.box.bottom() - kTraceScaleBand));
     f.x = mapAxis(plot.horizontal, f.data.left(), f.data.right(), true);
     if (plot.hasVertical) f.y = mapAxis(plot.vertical, f.data.top(), f.data.bottom(), false);
+    f.xHzPerPpm = hzPerPpm(page, m, plot.horizontal.fIndex);
+    if (plot.hasVertical) f.yHzPerPpm = hzPerPpm(page, m, plot.vertical.fIndex);
     f.color1 = pageColor(page.color1);
     f.color2 = pageColor(page.color2);
     f.font = QFont(QString::fromStdString(page.fontName), page.fontSize > 0 ? page.fontSize : 10);
@@ -43,7 +49,7 @@ void renderPage(const SpectrumDocument& doc, QPainter& p, QSize size) {
     p.fillRect(QRect(QPoint(0, 0), size), Qt::white);
     for (size_t i = 0; i < page.plots.size(); ++i) {
         const DisplayParameters& plot = page.plots[i];
-        const PlotFrame f = frameOf(page, plot);
+        const PlotFrame f = frameOf(page, plot, doc.matrix);
         if (f.x.empty() || (plot.hasVertical && f.y.empty())) continue;
         p.setFont(f.font);
         if (i > 0) {

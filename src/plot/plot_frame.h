@@ -16,6 +16,8 @@ struct PlotFrame {
     QRectF box;
     QRectF data;  // the box less the room its scales take inside it
     std::vector<SegmentMap> x, y;
+    // Hz per ppm (the carrier in MHz) of each axis when the page's scales are in Hz, else 0.
+    double xHzPerPpm = 0.0, yHzPerPpm = 0.0;
     QColor color1, color2;
     QFont font;
 };

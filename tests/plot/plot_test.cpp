@@ -110,12 +110,16 @@ TEST(Plot, PdfAndSvgHoldVectorPathsAndText) {
     ASSERT_TRUE(doc);
     doc->peaks.oneD = {2.0f, 7.0f};
     const std::string dir = testdata::freshTempDir("plot");
+    doc->page.scaleUnit = ScaleUnit::Hz;
     ASSERT_TRUE(writePicture(*doc, dir + "/a.svg", "SVG "));
     const std::string svg = testdata::readFile(dir + "/a.svg");
     EXPECT_TRUE(svg.find("<path") != std::string::npos ||
                 svg.find("<polyline") != std::string::npos);
     EXPECT_NE(svg.find("<text"), std::string::npos);
     EXPECT_EQ(svg.find("<image"), std::string::npos);
+    // The scale in Hz: a label every 500 Hz, and the unit.
+    EXPECT_NE(svg.find(">4000</text>"), std::string::npos);
+    EXPECT_NE(svg.find(">Hz</text>"), std::string::npos);
     ASSERT_TRUE(writePicture(*doc, dir + "/a", "PDF "));
     const std::string pdf = testdata::readFile(dir + "/a");
     EXPECT_EQ(pdf.rfind("%PDF", 0), 0u);
