@@ -21,7 +21,14 @@ std::pair<size_t, size_t> pointRange(const DimensionRecord& d, const SegmentMap&
     const double a = pointPosition(d, s.ppmA), b = pointPosition(d, s.ppmB);
     const double lo = std::floor(std::min(a, b)) - 1, hi = std::ceil(std::max(a, b)) + 2;
     const double n = double(d.points);
+    if (!std::isfinite(lo) || !std::isfinite(hi)) return {0, 0};
     return {size_t(std::clamp(lo, 0.0, n)), size_t(std::clamp(hi, 0.0, n))};
+}
+
+// A fractional point position rounded into 0 ... n - 1 (0 when it is no number).
+size_t nearestPoint(double position, size_t n) {
+    if (!(position > 0.0)) return 0;
+    return size_t(std::min(std::round(position), double(n - 1)));
 }
 
 double pixelOfPoint(const DimensionRecord& d, const SegmentMap& s, double i) {
@@ -100,12 +107,11 @@ void drawFastPlot(QPainter& p, const Plane& pl, const DisplayParameters& plot, c
             QImage image(r.size(), QImage::Format_RGB32);
             for (int row = 0; row < r.height(); ++row) {
                 const double py = pointPosition(*pl.y, sy.ppm(r.top() + row + 0.5));
-                const auto yi = size_t(std::clamp(std::round(py), 0.0, double(pl.y->points - 1)));
+                const size_t yi = nearestPoint(py, pl.y->points);
                 auto* line = reinterpret_cast<QRgb*>(image.scanLine(row));
                 for (int col = 0; col < r.width(); ++col) {
                     const double px = pointPosition(*pl.x, sx.ppm(r.left() + col + 0.5));
-                    const auto xi =
-                        size_t(std::clamp(std::round(px), 0.0, double(pl.x->points - 1)));
+                    const size_t xi = nearestPoint(px, pl.x->points);
                     line[col] = paletteColour(pl.grid.value(yi, xi) * factor);
                 }
             }

@@ -1,5 +1,8 @@
 #include "plot/page_renderer.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "display/window_resize.h"
 #include "plot/map_plot.h"
 #include "plot/trace_plot.h"
@@ -7,6 +10,8 @@
 namespace zolt {
 
 namespace {
+
+constexpr float kLargestBoxPixels = 32768.0f;
 
 double hzPerPpm(const PageRecord& page, const SpectrumMatrix& m, int f) {
     return page.scaleUnit == ScaleUnit::Hz && f >= 1 && f <= 3 ? m.dims[f].carrier : 0.0;
@@ -49,6 +54,11 @@ void renderPage(const SpectrumDocument& doc, QPainter& p, QSize size) {
     p.fillRect(QRect(QPoint(0, 0), size), Qt::white);
     for (size_t i = 0; i < page.plots.size(); ++i) {
         const DisplayParameters& plot = page.plots[i];
+        // A box from a damaged file is not drawn.
+        const bool sane = std::all_of(plot.box.begin(), plot.box.end(), [](float v) {
+            return std::isfinite(v) && std::fabs(v) <= kLargestBoxPixels;
+        });
+        if (!sane) continue;
         const PlotFrame f = frameOf(page, plot, doc.matrix);
         if (f.x.empty() || (plot.hasVertical && f.y.empty())) continue;
         p.setFont(f.font);

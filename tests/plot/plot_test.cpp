@@ -6,7 +6,9 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
+#include <functional>
 #include <queue>
 
 #include "analysis/peak_picking_2d.h"
@@ -141,6 +143,31 @@ TEST(Plot, PdfAndSvgHoldVectorPathsAndText) {
     EXPECT_NE(content.find("BT"), std::string::npos);
     EXPECT_FALSE(writePicture(*doc, dir + "/a.xyz", "????"));
     EXPECT_EQ(pictureFormat("", "x.JPG"), PictureFormat::Jpeg);
+}
+
+// Records from a damaged file draw what they can and nothing else.
+TEST(Plot, DamagedRecordsNeverCrash) {
+    ensureGui();
+    auto doc = testdata::openTransformed("cyclosporin-hsqc");
+    ASSERT_TRUE(doc);
+    const float nan = std::nanf("");
+    DisplayParameters plot = doc->page.plots[0];
+    for (const auto& change : std::vector<std::function<void(DisplayParameters&)>>{
+             [&](DisplayParameters& d) {
+                 d.horizontal.ppm = {nan, 2.0f};
+             },
+             [&](DisplayParameters& d) {
+                 d.box = {0, 0, 1e30f, 1e30f};
+             },
+             [&](DisplayParameters& d) { d.ratio = 1e30f, d.positiveLevels = 127; },
+             [&](DisplayParameters& d) { d.flags |= uint32_t(PlotMode::Fast), d.threshold = 0; },
+             [&](DisplayParameters& d) { d.hasVertical = false, d.vertical.ppm.clear(); }}) {
+        doc->page.plots = {plot};
+        change(doc->page.plots[0]);
+        render(*doc);
+    }
+    doc->matrix = {};
+    render(*doc);
 }
 
 // Diagonal corners above the level: the centre's average decides whether they join.
