@@ -53,6 +53,11 @@ public:
         logListener_ = std::move(listener);
     }
 
+    // What draws pictures of documents (the program sets it where it links the renderer).
+    using PictureWriter = std::function<bool(const SpectrumDocument&, const std::string& path,
+                                             std::string_view type)>;
+    void setPictureWriter(PictureWriter writer) { pictureWriter_ = std::move(writer); }
+
     // ScriptContext
     std::vector<SpectrumDocument*> documents() override;
     void bringToFront(SpectrumDocument& document) override;
@@ -71,10 +76,15 @@ public:
     void logAppended(std::string_view line) override {
         if (logListener_) logListener_(line);
     }
+    bool savePicture(SpectrumDocument& document, const std::string& path,
+                     std::string_view type) override {
+        return pictureWriter_ && pictureWriter_(document, path, type);
+    }
     PeakPickingOptions peakPickingOptions() override;
     int peakPickingMinimum() override;
 
 private:
+    PictureWriter pictureWriter_;
     bool openOne(const std::string& path);
     // The new front document, just read: runs what its opening asks for.
     void runOpeningScripts(SpectrumDocument& document);

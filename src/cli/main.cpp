@@ -5,6 +5,7 @@
 
 #include "cli/export_command.h"
 #include "cli/info_command.h"
+#include "cli/plot_command.h"
 #include "cli/process_command.h"
 #include "cli/run_command.h"
 
@@ -18,6 +19,7 @@ constexpr const char* kUsage =
     "  run [-e CHUNK | SCRIPT.lua]... [PATH...]   runs Lua on the data sets\n"
     "  process [--script FILE.lua] [--out DIR] PATH...   processes every data set found\n"
     "  export --jcamp OUT PATH   writes the FID or spectrum as JCAMP-DX\n"
+    "  plot [-e CHUNK]... --out FILE [--size WxH] PATH   draws the page to PNG, PDF or SVG\n"
     "\n"
     "zolt-cli COMMAND --help describes a command.\n";
 
@@ -38,6 +40,7 @@ int main(int argc, char** argv) {
     if (command == "info") return zolt::runInfoCommand(rest, std::cout, std::cerr);
     if (command == "run") return zolt::runRunCommand(rest, std::cout, std::cerr);
     if (command == "process") return zolt::runProcessCommand(rest, std::cout, std::cerr);
+    if (command == "plot") return zolt::runPlotCommand(argc, argv, rest, std::cout, std::cerr);
     if (command == "export") return zolt::runExportCommand(rest, std::cout, std::cerr);
     std::cerr << "zolt-cli: unknown command " << command << "\n" << kUsage;
     return 2;

@@ -52,7 +52,10 @@ DisplayParameters defaultMainPlot(const SpectrumMatrix& m, int clientWidth, int 
     } else {
         // The box reaches the bottom of the client area, as a resized window keeps it; the
         // horizontal scale is drawn inside it.
-        plot.flags = display_flags::kXAxis | static_cast<uint32_t>(PlotMode::Fast);
+        // A new spectrum shows its peaks' positions and its integrals.
+        plot.flags = display_flags::kXAxis | display_flags::kFrequencies | display_flags::kLabels |
+                     display_flags::kIntegralsAsCurves | display_flags::kIntegralsAsValues |
+                     static_cast<uint32_t>(PlotMode::Fast);
         plot.box = {kPlotMargin, kPlotMargin, w - 2 * kPlotMargin, h - kPlotMargin};
     }
     plot.box[2] = std::max(plot.box[2], 16.0f);

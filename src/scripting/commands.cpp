@@ -7,6 +7,7 @@ const std::vector<const luaL_Reg*>& commandGroups() {
         kConsoleCommands, kTargetCommands,    kDocumentCommands,
         kDataCommands,    kTransformCommands, kPhaseBaselineCommands,
         kDisplayCommands, kIntegralCommands,  kPeakCommands,
+        kPictureCommands,
     };
     return groups;
 }

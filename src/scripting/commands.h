@@ -15,6 +15,7 @@ extern const luaL_Reg kPhaseBaselineCommands[];
 extern const luaL_Reg kDisplayCommands[];
 extern const luaL_Reg kIntegralCommands[];
 extern const luaL_Reg kPeakCommands[];
+extern const luaL_Reg kPictureCommands[];
 
 // Every group, in registration order.
 const std::vector<const luaL_Reg*>& commandGroups();

@@ -45,6 +45,12 @@ public:
     // fewest display points a 1-D peak must rise above the baseline.
     virtual PeakPickingOptions peakPickingOptions() { return loadPeakOptions(nullptr, 1.0f); }
     virtual int peakPickingMinimum() { return 4; }
+    // Writes a picture of the document's page in the format of the four-character type (else
+    // by the path's extension); false when there is no drawing here or writing failed.
+    virtual bool savePicture(SpectrumDocument& /*document*/, const std::string& /*path*/,
+                             std::string_view /*type*/) {
+        return false;
+    }
     // The document's window shows changed data.
     virtual void redraw(SpectrumDocument& /*document*/) {}
 };

@@ -1,0 +1,23 @@
+// The plane of a matrix that a 2-D plot shows, as a grid of rows along the vertical axis and
+// columns along the horizontal one.
+#pragma once
+
+#include <optional>
+
+#include "model/spectrum_matrix.h"
+#include "plot/marching_squares.h"
+
+namespace zolt {
+
+// The shown plane and how its points lie: value(row, column) along the vertical and the
+// horizontal axis.
+struct Plane {
+    GridWindow grid;
+    const DimensionRecord* x = nullptr;
+    const DimensionRecord* y = nullptr;
+};
+
+// Nothing when the matrix has no two axes of two points or more, or holds fewer points.
+std::optional<Plane> shownPlane(const SpectrumMatrix& m);
+
+}  // namespace zolt

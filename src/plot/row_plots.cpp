@@ -1,0 +1,105 @@
+#include "plot/row_plots.h"
+
+#include <QPolygonF>
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "display/vertical_scale.h"
+#include "plot/trace_columns.h"
+
+namespace zolt {
+
+namespace {
+
+// More rows than these are thinned evenly.
+constexpr size_t kMostArrayedRows = 256;
+constexpr size_t kMostStackedRows = 128;
+// A stack leans back by these shares of the data's width and height, the last row the
+// furthest; a row's tallest point takes the rest of the height.
+constexpr double kStackDepthX = 0.2, kStackDepthY = 0.5;
+
+// Which rows are drawn, and the common intensity scale of all of them.
+struct Rows {
+    size_t count = 0, stride = 1;
+    double low = 0.0, high = 1.0;
+};
+Rows rowsOf(const Plane& pl, const SpectrumMatrix& m, size_t most) {
+    Rows r;
+    r.stride = (pl.y->points + most - 1) / most;
+    r.count = (pl.y->points + r.stride - 1) / r.stride;
+    const DataExtremes e = shownExtremes(m);
+    r.low = std::min(0.0f, e.minimum);
+    r.high = std::max(0.0f, e.maximum);
+    if (!(r.high > r.low)) r.high = r.low + 1.0;
+    return r;
+}
+
+// One row over `columns` pixels from `left`, the horizontal segments' whole ppm range, with
+// intensity v at zero - v * scale.
+QPolygonF rowLine(const Plane& pl, const PlotFrame& f, size_t row, double left, int columns,
+                  double zero, double scale) {
+    const double a = pointPosition(*pl.x, f.x.front().ppmA);
+    const double b = pointPosition(*pl.x, f.x.back().ppmB);
+    std::vector<float> values(pl.x->points);
+    for (size_t c = 0; c < values.size(); ++c) values[c] = pl.grid.value(row, c);
+    const auto ext = columnExtremes(values.data(), values.size(), a, (b - a) / columns, columns);
+    QPolygonF line;
+    for (size_t c = 0; c < ext.size(); ++c) {
+        const double x = left + double(c) + 0.5;
+        const double yh = zero - ext[c].high * scale, yl = zero - ext[c].low * scale;
+        line << QPointF(x, c % 2 ? yl : yh) << QPointF(x, c % 2 ? yh : yl);
+    }
+    return line;
+}
+
+}  // namespace
+
+void drawArrayed(QPainter& p, const Plane& pl, const SpectrumMatrix& m, const PlotFrame& f) {
+    if (f.x.empty()) return;
+    const Rows rows = rowsOf(pl, m, kMostArrayedRows);
+    const double slot = f.data.width() / double(rows.count);
+    const int columns = std::max(1, int(slot - 4));
+    const double scale = (f.data.height() - 8) / (rows.high - rows.low);
+    const double zero = f.data.bottom() - 4 + rows.low * scale;
+    p.save();
+    p.setClipRect(f.data);
+    p.setPen(QPen(f.color1, 0));
+    for (size_t k = 0; k < rows.count; ++k)
+        p.drawPolyline(rowLine(pl, f, k * rows.stride, f.data.left() + double(k) * slot + 2,
+                               columns, zero, scale));
+    p.restore();
+}
+
+void drawStacked(QPainter& p, const Plane& pl, const SpectrumMatrix& m, const PlotFrame& f,
+                 bool whiteWashed) {
+    if (f.x.empty()) return;
+    const Rows rows = rowsOf(pl, m, kMostStackedRows);
+    const double depthX = kStackDepthX * f.data.width(), depthY = kStackDepthY * f.data.height();
+    const int columns = std::max(1, int(f.data.width() - depthX));
+    const double scale = (f.data.height() - depthY - 8) / (rows.high - rows.low);
+    const double steps = std::max<double>(1.0, double(rows.count) - 1);
+    p.save();
+    p.setClipRect(f.data);
+    p.setPen(QPen(f.color1, 0));
+    // From the back, so that each row in front hides what it covers.
+    for (size_t k = rows.count; k-- > 0;) {
+        const double left = f.data.left() + depthX * double(k) / steps;
+        const double zero = f.data.bottom() - 4 + rows.low * scale - depthY * double(k) / steps;
+        QPolygonF line = rowLine(pl, f, k * rows.stride, left, columns, zero, scale);
+        if (whiteWashed && !line.isEmpty()) {
+            QPolygonF area = line;
+            area << QPointF(line.back().x(), f.data.bottom())
+                 << QPointF(line.front().x(), f.data.bottom());
+            p.setBrush(Qt::white);
+            p.save();
+            p.setPen(Qt::NoPen);
+            p.drawPolygon(area);
+            p.restore();
+        }
+        p.drawPolyline(line);
+    }
+    p.restore();
+}
+
+}  // namespace zolt

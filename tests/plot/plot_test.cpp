@@ -1,0 +1,188 @@
+// The renderer on real data: the trace keeps its tallest peak where it is, contours close
+// around picked cross peaks, and PDF and SVG pictures hold vector paths and text.
+#include <gtest/gtest.h>
+
+#include <QByteArray>
+#include <QGuiApplication>
+#include <QImage>
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <functional>
+#include <queue>
+
+#include "analysis/peak_picking_2d.h"
+#include "plot/axis_map.h"
+#include "plot/marching_squares.h"
+#include "plot/page_renderer.h"
+#include "plot/picture_output.h"
+#include "test_data.h"
+
+namespace zolt {
+namespace {
+
+void ensureGui() {
+    static int argc = 1;
+    static char name[] = "test_plot";
+    static char* argv[] = {name, nullptr};
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    static QGuiApplication app(argc, argv);
+}
+
+QImage render(const SpectrumDocument& doc) {
+    const QSize size(doc.page.pageWidth, doc.page.pageHeight);
+    QImage image(size, QImage::Format_RGB32);
+    QPainter p(&image);
+    renderPage(doc, p, size);
+    return image;
+}
+
+bool ink(const QImage& im, int x, int y) {
+    return im.pixel(x, y) != qRgb(255, 255, 255);
+}
+
+TEST(Plot, TraceHighestPixelAtTallestPeak) {
+    ensureGui();
+    auto doc = testdata::openTransformed("aspirin-1h");
+    ASSERT_TRUE(doc);
+    doc->windowName.clear();
+    DisplayParameters& plot = doc->page.plots[0];
+    plot.flags &= ~(display_flags::kLabels | display_flags::kFrequencies);
+    const QImage im = render(*doc);
+    const auto box = plot.box;
+    int topX = -1;
+    for (int y = int(box[1]); y < int(box[1] + box[3]) && topX < 0; ++y)
+        for (int x = int(box[0]) + 1; x < int(box[0] + box[2]) - 1; ++x)
+            if (ink(im, x, y)) {
+                topX = x;
+                break;
+            }
+    ASSERT_GE(topX, 0);
+    const SpectrumMatrix& m = doc->matrix;
+    const size_t n = m.dims[m.xIndex].points;
+    const auto top = std::max_element(m.re.begin(), m.re.begin() + n) - m.re.begin();
+    const SegmentMap s = mapAxis(plot.horizontal, box[0], box[0] + box[2], true).at(0);
+    // The column the peak falls in, or its neighbour that the antialiased line touches.
+    EXPECT_NEAR(topX, std::floor(s.pixel(ppmOfPoint(m.dims[m.xIndex], double(top)))), 1.0);
+}
+
+TEST(Plot, ContoursCloseAroundPickedHsqcPeaks) {
+    ensureGui();
+    auto doc = testdata::openTransformed("cyclosporin-hsqc");
+    ASSERT_TRUE(doc);
+    doc->windowName.clear();
+    DisplayParameters& plot = doc->page.plots[0];
+    plot.negativeLevels = 10;
+    PeakPickingOptions options = loadPeakOptions(nullptr, plot.threshold * 8);
+    const PickedPeaks picked = pickPeaks(doc->matrix, {doc->matrix.xIndex, doc->matrix.yIndex, 0},
+                                         kWholeSpectrum, options);
+    ASSERT_GE(picked.peaks.size(), 3u);
+    const QImage im = render(*doc);
+    const QRect data = QRectF(plot.box[0], plot.box[1], plot.box[2], plot.box[3]).toRect();
+    const SegmentMap sx = mapAxis(plot.horizontal, data.left(), data.right(), true).at(0);
+    const SegmentMap sy = mapAxis(plot.vertical, data.top(), data.bottom(), false).at(0);
+    for (size_t k = 0; k < std::min<size_t>(picked.peaks.size(), 6); ++k) {
+        const QPoint start(int(sx.pixel(picked.peaks[k][0])), int(sy.pixel(picked.peaks[k][1])));
+        SCOPED_TRACE(k);
+        ASSERT_TRUE(data.adjusted(2, 2, -2, -2).contains(start));
+        // A fill through the blank pixels from the peak stays inside a ring.
+        std::vector<char> seen(size_t(im.width() * im.height()));
+        std::queue<QPoint> todo;
+        todo.push(start);
+        size_t area = 0;
+        bool escaped = false;
+        while (!todo.empty() && !escaped) {
+            const QPoint q = todo.front();
+            todo.pop();
+            if (!data.contains(q) || seen[q.y() * im.width() + q.x()] || ink(im, q.x(), q.y()))
+                continue;
+            seen[q.y() * im.width() + q.x()] = 1;
+            escaped = ++area > 2000 || q.x() <= data.left() + 1 || q.y() <= data.top() + 1 ||
+                      q.x() >= data.right() - 1 || q.y() >= data.bottom() - 1;
+            for (QPoint d : {QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1)})
+                todo.push(q + d);
+        }
+        EXPECT_FALSE(escaped);
+    }
+}
+
+TEST(Plot, PdfAndSvgHoldVectorPathsAndText) {
+    ensureGui();
+    auto doc = testdata::openTransformed("aspirin-1h");
+    ASSERT_TRUE(doc);
+    doc->peaks.oneD = {2.0f, 7.0f};
+    const std::string dir = testdata::freshTempDir("plot");
+    doc->page.scaleUnit = ScaleUnit::Hz;
+    ASSERT_TRUE(writePicture(*doc, dir + "/a.svg", "SVG "));
+    const std::string svg = testdata::readFile(dir + "/a.svg");
+    EXPECT_TRUE(svg.find("<path") != std::string::npos ||
+                svg.find("<polyline") != std::string::npos);
+    EXPECT_NE(svg.find("<text"), std::string::npos);
+    EXPECT_EQ(svg.find("<image"), std::string::npos);
+    // The scale in Hz: a label every 500 Hz, and the unit.
+    EXPECT_NE(svg.find(">4000</text>"), std::string::npos);
+    EXPECT_NE(svg.find(">Hz</text>"), std::string::npos);
+    ASSERT_TRUE(writePicture(*doc, dir + "/a", "PDF "));
+    const std::string pdf = testdata::readFile(dir + "/a");
+    EXPECT_EQ(pdf.rfind("%PDF", 0), 0u);
+    EXPECT_NE(pdf.find("/Font"), std::string::npos);
+    EXPECT_EQ(pdf.find("/Subtype /Image"), std::string::npos);
+    // The page's drawing: its compressed content streams hold moves, lines and strokes.
+    std::string content;
+    for (size_t at = pdf.find("stream\n"); at != std::string::npos;
+         at = pdf.find("stream\n", at + 1)) {
+        const size_t end = pdf.find("endstream", at);
+        if (end == std::string::npos || pdf.compare(at - 3, 3, "end") == 0) continue;
+        QByteArray packed(4, '\0');
+        packed[1] = 0x40;  // a size hint of 4 MB, big-endian
+        packed.append(pdf.data() + at + 7, qsizetype(end - at - 7));
+        content += qUncompress(packed).toStdString();
+    }
+    EXPECT_NE(content.find(" m\n"), std::string::npos);
+    EXPECT_NE(content.find(" l\n"), std::string::npos);
+    EXPECT_NE(content.find("BT"), std::string::npos);
+    EXPECT_FALSE(writePicture(*doc, dir + "/a.xyz", "????"));
+    EXPECT_EQ(pictureFormat("", "x.JPG"), PictureFormat::Jpeg);
+}
+
+// Records from a damaged file draw what they can and nothing else.
+TEST(Plot, DamagedRecordsNeverCrash) {
+    ensureGui();
+    auto doc = testdata::openTransformed("cyclosporin-hsqc");
+    ASSERT_TRUE(doc);
+    const float nan = std::nanf("");
+    DisplayParameters plot = doc->page.plots[0];
+    for (const auto& change : std::vector<std::function<void(DisplayParameters&)>>{
+             [&](DisplayParameters& d) {
+                 d.horizontal.ppm = {nan, 2.0f};
+             },
+             [&](DisplayParameters& d) {
+                 d.box = {0, 0, 1e30f, 1e30f};
+             },
+             [&](DisplayParameters& d) { d.ratio = 1e30f, d.positiveLevels = 127; },
+             [&](DisplayParameters& d) { d.flags |= uint32_t(PlotMode::Fast), d.threshold = 0; },
+             [&](DisplayParameters& d) { d.hasVertical = false, d.vertical.ppm.clear(); }}) {
+        doc->page.plots = {plot};
+        change(doc->page.plots[0]);
+        render(*doc);
+    }
+    doc->matrix = {};
+    render(*doc);
+}
+
+// Diagonal corners above the level: the centre's average decides whether they join.
+TEST(Plot, SaddleCellsFollowTheirCentre) {
+    // Low corners 0 (centre 0.5) or 0.9 (centre 0.95), level 0.92.
+    for (const auto& [low, joined] : {std::pair{0.0f, false}, std::pair{0.9f, true}}) {
+        const float grid[] = {1.0f, low, low, 1.0f};
+        const GridWindow g{grid, 2, 1, 0, 2, 0, 2};
+        const auto lines = traceContours(g, {0.92f});
+        ASSERT_EQ(lines[0].size(), 2u);
+        // Apart, the first line cuts off the top-left corner; joined, the top-right one.
+        const ContourSegment& s = lines[0][0];
+        EXPECT_EQ(std::max(s.x0, s.x1) == 1.0f, joined) << low;
+    }
+}
+
+}  // namespace
+}  // namespace zolt
