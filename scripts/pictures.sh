@@ -2,10 +2,10 @@
 # Pictures of two test sets for looking at the plots: the aspirin proton spectrum after the
 # start-up script (peak labels, integral curves and values) and the cyclosporin HSQC (positive
 # and negative contours), as PNG, PDF and SVG in build/pictures/.
-# usage: scripts/pictures.sh [BUILD_DIR]   (default build/h)
+# usage: scripts/pictures.sh [BUILD_DIR]   (default build/release)
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
-build=${1:-$root/build/h}
+build=${1:-$root/build/release}
 data=${ZOLT_TESTDATA_DIR:-$root/build/testdata}/bruker
 out=$root/build/pictures
 mkdir -p "$out"
