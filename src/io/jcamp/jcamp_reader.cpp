@@ -31,7 +31,7 @@ float narrowed(double v) {
 }
 
 int integer(std::optional<double> v) {
-    return v ? static_cast<int>(std::clamp(*v, -1e9, 1e9)) : 0;
+    return v && !std::isnan(*v) ? static_cast<int>(std::clamp(*v, -1e9, 1e9)) : 0;
 }
 
 std::string upper(std::string s) {

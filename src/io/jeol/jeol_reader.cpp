@@ -1,5 +1,6 @@
 #include "io/jeol/jeol_reader.h"
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -122,7 +123,9 @@ void readMetadata(const JeolHeader& h, const Parameters& p, DataSetRead& r) {
     const auto temperature = p.find("temp_get");
     if (temperature != p.end() && !temperature->second.isText)
         r.metadata.temperature = static_cast<float>(temperature->second.number + 273.15);
-    r.info.scans = static_cast<int>(number(p, "scans"));
+    // Any number may stand in a damaged file: kept inside what the count holds.
+    const double scans = number(p, "scans");
+    r.info.scans = std::isnan(scans) ? 0 : static_cast<int>(std::clamp(scans, 0.0, 2147483647.0));
     r.info.relaxationDelay = number(p, "relaxation_delay");
 }
 
