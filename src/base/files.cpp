@@ -4,8 +4,10 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <random>
 
@@ -29,6 +31,10 @@ std::optional<std::string> readWholeFile(const std::string& path, uintmax_t maxB
 std::string readFileHead(const std::string& path, size_t bytes) {
     std::ifstream in(toPath(path), std::ios::binary);
     if (!in) return {};
+    // A generous cap on a small file costs no more than the file.
+    std::error_code ec;
+    const uint64_t size = std::filesystem::file_size(toPath(path), ec);
+    if (!ec) bytes = static_cast<size_t>(std::min<uint64_t>(bytes, size));
     std::string head(bytes, '\0');
     in.read(head.data(), static_cast<std::streamsize>(bytes));
     head.resize(static_cast<size_t>(in.gcount()));
