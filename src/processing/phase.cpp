@@ -11,6 +11,7 @@
 #endif
 
 #include "processing/kernels.h"
+#include "processing/row_parallel.h"
 
 namespace zolt {
 namespace {
@@ -18,6 +19,8 @@ namespace {
 constexpr double kFirstOrderNegligible = 0.0001;
 constexpr double kSineNegligible = 1e-5;
 constexpr double kIncrementNegligible = 1e-6;
+// Lines of a walk too few to be worth a thread of their own.
+constexpr size_t kMinLinesPerThread = 16;
 
 size_t axisPoints(const SpectrumMatrix& m, int f) {
     return m.dims[f].points ? m.dims[f].points : 1;
@@ -120,10 +123,23 @@ void rotateWalk(float* a, float* b, const AxisWalk& w, double a0, double step) {
         }
     }
     if (table.empty()) return rotateStreaming(a, b, w, a0, step);
+    const float* cf = table.data();
+    const float* sf = table.data() + w.n;
     rotationTable(a0, step, w.n, table.data(), table.data() + w.n);
     const size_t block = w.n * w.inner;
-    for (size_t o = 0; o < w.outer; ++o)
-        rotateBlock(a + o * block, b + o * block, w, table.data(), table.data() + w.n);
+    // Every line of the walk (a row, or one point's values along the inner axes) takes the same
+    // products whichever thread rotates it.
+    const size_t lines = w.inner == 1 ? w.outer : w.outer * w.n;
+    forEachRowRange(lines, kMinLinesPerThread, [&](size_t begin, size_t end) {
+        for (size_t line = begin; line < end; ++line) {
+            if (w.inner == 1) {
+                rotatePairs(a + line * block, b + line * block, cf, sf, w.n);
+            } else {
+                const size_t o = line / w.n, k = line % w.n, at = o * block + k * w.inner;
+                rotatePairs(a + at, b + at, cf[k], sf[k], w.inner);
+            }
+        }
+    });
 }
 
 // Applies (phaseA, phaseB) to the pairs (a, b) laid out as w describes, with the shortcuts
@@ -131,8 +147,12 @@ void rotateWalk(float* a, float* b, const AxisWalk& w, double a0, double step) {
 void phasePairs(float* a, float* b, const AxisWalk& w, size_t count, double phaseA, double phaseB) {
     if (std::fabs(phaseB) <= kFirstOrderNegligible) {
         if (std::fabs(std::sin(phaseA)) > kSineNegligible) {
-            const AxisWalk flat{count, 1, 1};
-            rotateWalk(a, b, flat, phaseA, 0.0);
+            // One angle for all: pieces of the row rotated apart take the same products.
+            constexpr size_t kPiece = 4096;
+            forEachRowRange((count + kPiece - 1) / kPiece, 4, [&](size_t begin, size_t end) {
+                const size_t from = begin * kPiece, to = std::min(count, end * kPiece);
+                rotateStreaming(a + from, b + from, AxisWalk{to - from, 1, 1}, phaseA, 0.0);
+            });
         } else if (std::cos(phaseA) < 0.0) {
             for (size_t i = 0; i < count; ++i) {
                 a[i] = -a[i];
