@@ -86,7 +86,7 @@ void rotateBlock(float* a, float* b, const AxisWalk& w, const float* cf, const f
 }
 
 // Rotates the pairs (a[i], b[i]) along one axis with the angles advanced as the table does,
-// a short stretch of them at a time: for a single block, where a whole table would save
+// a short stretch of them at a time: for a single row, where a whole table would save
 // nothing, or when there is no room for one.
 void rotateStreaming(float* a, float* b, const AxisWalk& w, double a0, double step) {
     constexpr size_t kStretch = 256;
@@ -112,10 +112,11 @@ void rotateStreaming(float* a, float* b, const AxisWalk& w, double a0, double st
 }
 
 // Rotates the pairs (a[i], b[i]) along one axis. The angle of point k is a0 + k*step; every
-// block starts again at a0, so the table of the angles is worked out once for all blocks.
+// block starts again at a0, so the table of the angles is worked out once for all blocks; with
+// a single block of several values a point, the table lets the threads share the points.
 void rotateWalk(float* a, float* b, const AxisWalk& w, double a0, double step) {
     std::vector<float> table;
-    if (w.outer > 1) {
+    if (w.outer > 1 || w.inner > 1) {
         try {
             table.resize(2 * w.n);
         } catch (const std::bad_alloc&) {
