@@ -7,6 +7,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include "processing/row_parallel.h"
+
 namespace zolt {
 
 namespace {
@@ -137,16 +139,18 @@ bool applyWeighting(const FourierTransformStep& step, const WeightingInput& in, 
     }
     buildWeightingVector(step, in, w.data());
     const bool negate = imaginaryNegated(step, in.conjugateState);
-    for (size_t r = 0; r < rows; ++r) {
-        float* x = re + r * stride;
-        for (size_t k = 0; k < in.n; ++k) x[k] *= w[k];
-        if (!im) continue;
-        float* y = im + r * stride;
-        if (negate)
-            for (size_t k = 0; k < in.n; ++k) y[k] *= -w[k];
-        else
-            for (size_t k = 0; k < in.n; ++k) y[k] *= w[k];
-    }
+    forEachRowRange(rows, 16, [&](size_t begin, size_t end) {
+        for (size_t r = begin; r < end; ++r) {
+            float* x = re + r * stride;
+            for (size_t k = 0; k < in.n; ++k) x[k] *= w[k];
+            if (!im) continue;
+            float* y = im + r * stride;
+            if (negate)
+                for (size_t k = 0; k < in.n; ++k) y[k] *= -w[k];
+            else
+                for (size_t k = 0; k < in.n; ++k) y[k] *= w[k];
+        }
+    });
     return true;
 }
 

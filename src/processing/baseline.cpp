@@ -223,41 +223,6 @@ std::vector<double> fitBaselinePolynomial(const float* row, const uint8_t* mask,
     return fitPolynomial(row, mask, n, order, abscissae(n).data(), scratch);
 }
 
-bool forEachRealRow(SpectrumMatrix& m, int fIndex, const std::function<void(float*, size_t)>& fn) {
-    if (fIndex < 1 || fIndex > 3) return false;
-    const size_t total = m.pointCount();
-    if (m.re.size() < total) return false;
-    // With hypercomplex halves only the first half holds the real parts of every axis.
-    const size_t count = hasHypercomplexHalves(m) ? total / 2 : total;
-    const AxisWalk w = axisWalk(m, fIndex, count);
-    const size_t block = w.n * w.inner;
-    if (w.inner == 1) {
-        for (size_t o = 0; o < w.outer; ++o) fn(m.re.data() + o * block, w.n);
-        return true;
-    }
-    // Strided rows are gathered a tile at a time, so that each cache line read or written
-    // serves a whole tile of rows instead of one point; fn still sees them one by one, in order.
-    constexpr size_t kTile = 16;
-    std::vector<float> buffer;
-    try {
-        buffer.resize(w.n * kTile);
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
-    for (size_t o = 0; o < w.outer; ++o) {
-        for (size_t j0 = 0; j0 < w.inner; j0 += kTile) {
-            const size_t t = std::min(kTile, w.inner - j0);
-            float* base = m.re.data() + o * block + j0;
-            for (size_t k = 0; k < w.n; ++k)
-                for (size_t j = 0; j < t; ++j) buffer[j * w.n + k] = base[k * w.inner + j];
-            for (size_t j = 0; j < t; ++j) fn(buffer.data() + j * w.n, w.n);
-            for (size_t k = 0; k < w.n; ++k)
-                for (size_t j = 0; j < t; ++j) base[k * w.inner + j] = buffer[j * w.n + k];
-        }
-    }
-    return true;
-}
-
 std::optional<Message> correctBaseline(SpectrumMatrix& m, int fIndex,
                                        const BaseplaneStep& settings) {
     if (!axisUsable(m, fIndex)) return std::nullopt;
@@ -270,28 +235,45 @@ std::optional<Message> correctBaseline(SpectrumMatrix& m, int fIndex,
     const int w = std::clamp<int>(settings.movingAverage, 0, static_cast<int>(n / 2));
     const double lambda = whittakerLambda(n, order);
 
-    std::vector<uint8_t> mask;
-    std::vector<float> smooth;
-    std::vector<double> abscissa, scratch;
+    // The autosampling carries its threshold from row to row, so the baseline points are found
+    // row after row, in order; the fits then depend on their own row only and share the threads.
+    const size_t rows = realRowCount(m, fIndex);
+    std::vector<uint8_t> masks, detected;
+    std::vector<double> abscissa;
     try {
-        mask.resize(n);
+        masks.resize(rows * n);
+        detected.resize(rows);
         if (polynomial) abscissa = abscissae(n);
-        if (!polynomial) smooth.resize(n);
     } catch (const std::bad_alloc&) {
         return std::nullopt;
     }
     double carried = 0.0;
     unsigned mode = 0;
+    size_t index = 0;
     forEachRealRow(m, fIndex, [&](float* row, size_t) {
-        float* part = row + lo;
+        if (index >= rows) return;
         try {
-            detectBaselinePoints(part, n, w, mode, mask.data(), carried);
+            detectBaselinePoints(row + lo, n, w, mode, masks.data() + index * n, carried);
             mode = autosampling_mode::kCarryThreshold;
+            detected[index] = 1;
+        } catch (const std::bad_alloc&) {
+            // The row stays as it was.
+        }
+        ++index;
+    });
+    forEachRealRowInParallel(m, fIndex, [&](float* row, size_t, size_t r) {
+        if (r >= rows || !detected[r]) return;
+        float* part = row + lo;
+        const uint8_t* mask = masks.data() + r * n;
+        try {
             if (polynomial) {
-                const auto c = fitPolynomial(part, mask.data(), n, order, abscissa.data(), scratch);
+                std::vector<double> scratch;
+                const auto c = fitPolynomial(part, mask, n, order, abscissa.data(), scratch);
                 if (!c.empty()) subtractFitted(part, n, abscissa.data(), c);
-            } else if (whittakerSmooth(part, mask.data(), n, lambda, smooth.data())) {
-                for (size_t i = 0; i < n; ++i) part[i] -= smooth[i];
+            } else {
+                std::vector<float> smooth(n);
+                if (whittakerSmooth(part, mask, n, lambda, smooth.data()))
+                    for (size_t i = 0; i < n; ++i) part[i] -= smooth[i];
             }
         } catch (const std::bad_alloc&) {
             // The row stays as it was.

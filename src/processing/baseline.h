@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,6 +10,7 @@
 #include "base/message.h"
 #include "model/processing_step.h"
 #include "model/spectrum_document.h"
+#include "processing/real_rows.h"
 
 namespace zolt {
 
@@ -64,10 +64,5 @@ void applyPolynomialStep(SpectrumDocument& doc, int fIndex, const PolynomialStep
 // Straight-line correction: per row, the line through the means of the first and the last
 // `percent` per cent of the points (at least one point each) is subtracted.
 void correctStraight(SpectrumMatrix& m, int fIndex, double percent = 5.0);
-
-// Calls fn(row, n) for every row of the real parts along fIndex, gathering rows of a
-// non-contiguous axis into a buffer and writing them back. Returns false when the matrix is
-// inconsistent (buffer shorter than its points) or the buffer cannot be had.
-bool forEachRealRow(SpectrumMatrix& m, int fIndex, const std::function<void(float*, size_t)>& fn);
 
 }  // namespace zolt

@@ -17,11 +17,15 @@
 #include "processing/kernels.h"
 #include "processing/linear_prediction.h"
 #include "processing/phase.h"
+#include "processing/row_parallel.h"
 #include "processing/shuffling.h"
 
 namespace zolt {
 
 namespace {
+
+// Fewer rows than this a thread cost more to hand over than to transform.
+constexpr size_t kMinRowsPerThread = 16;
 
 // The quantities of one run, named as the steps use them.
 struct Run {
@@ -185,14 +189,17 @@ void prepareRows(Run& r) {
     zeroTail(re, im, r.R, r.N, r.F, r.F);
 }
 
+// The rows are independent: shared out among the threads, each transformed as one thread would.
 void transformRows(Run& r) {
     const bool realFt = has(r.step, ft_flags::kRealFt);
-    for (size_t row = 0; row < r.R; ++row) {
-        float* re = r.m.re.data() + row * r.F;
-        float* im = r.m.im.data() + row * r.F;
-        fft(re, im, r.F, +1);
-        if (realFt) unscrambleRealFt(re, im, r.F);
-    }
+    forEachRowRange(r.R, kMinRowsPerThread, [&](size_t begin, size_t end) {
+        for (size_t row = begin; row < end; ++row) {
+            float* re = r.m.re.data() + row * r.F;
+            float* im = r.m.im.data() + row * r.F;
+            fft(re, im, r.F, +1);
+            if (realFt) unscrambleRealFt(re, im, r.F);
+        }
+    });
 }
 
 // Step 19: the next time-domain axis skips single points and pseudo-dimensions.

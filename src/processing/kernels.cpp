@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "processing/row_parallel.h"
+
 namespace zolt {
 
 void subtractDc(float* data, size_t rows, size_t n, size_t stride, size_t first) {
@@ -68,29 +70,36 @@ void restride(float* re, float* im, size_t oldStride, size_t newStride, size_t r
 
 void transpose(const float* source, float* destination, size_t n, size_t m) {
     // Tiles keep both the rows read and the rows written in cache.
+    // Threads take whole bands of source rows, so each writes its own columns.
     constexpr size_t kTile = 32;
-    for (size_t c0 = 0; c0 < m; c0 += kTile) {
-        const size_t c1 = std::min(m, c0 + kTile);
-        for (size_t i0 = 0; i0 < n; i0 += kTile) {
-            const size_t i1 = std::min(n, i0 + kTile);
-            for (size_t c = c0; c < c1; ++c)
-                for (size_t i = i0; i < i1; ++i) destination[i * m + c] = source[c * n + i];
+    forEachRowRange((m + kTile - 1) / kTile, 4, [&](size_t begin, size_t end) {
+        for (size_t c0 = begin * kTile; c0 < std::min(m, end * kTile); c0 += kTile) {
+            const size_t c1 = std::min(m, c0 + kTile);
+            for (size_t i0 = 0; i0 < n; i0 += kTile) {
+                const size_t i1 = std::min(n, i0 + kTile);
+                for (size_t c = c0; c < c1; ++c)
+                    for (size_t i = i0; i < i1; ++i) destination[i * m + c] = source[c * n + i];
+            }
         }
-    }
+    });
 }
 
 void togglePolar(float* re, float* im, size_t count, bool toPolar) {
     if (!re || !im) return;
-    for (size_t k = 0; k < count; ++k) {
-        const double a = re[k], b = im[k];
-        if (toPolar) {
-            re[k] = static_cast<float>(std::sqrt(a * a + b * b));
-            im[k] = static_cast<float>(std::atan2(b, a));
-        } else {
-            re[k] = static_cast<float>(a * std::cos(b));
-            im[k] = static_cast<float>(a * std::sin(b));
+    // Point by point, so a matrix is shared out among the threads in pieces.
+    constexpr size_t kPiece = 4096;
+    forEachRowRange((count + kPiece - 1) / kPiece, 4, [&](size_t begin, size_t end) {
+        for (size_t k = begin * kPiece; k < std::min(count, end * kPiece); ++k) {
+            const double a = re[k], b = im[k];
+            if (toPolar) {
+                re[k] = static_cast<float>(std::sqrt(a * a + b * b));
+                im[k] = static_cast<float>(std::atan2(b, a));
+            } else {
+                re[k] = static_cast<float>(a * std::cos(b));
+                im[k] = static_cast<float>(a * std::sin(b));
+            }
         }
-    }
+    });
 }
 
 }  // namespace zolt

@@ -11,6 +11,7 @@
 #endif
 
 #include "processing/kernels.h"
+#include "processing/row_parallel.h"
 
 namespace zolt {
 namespace {
@@ -18,6 +19,8 @@ namespace {
 constexpr double kFirstOrderNegligible = 0.0001;
 constexpr double kSineNegligible = 1e-5;
 constexpr double kIncrementNegligible = 1e-6;
+// Lines of a walk too few to be worth a thread of their own.
+constexpr size_t kMinLinesPerThread = 16;
 
 size_t axisPoints(const SpectrumMatrix& m, int f) {
     return m.dims[f].points ? m.dims[f].points : 1;
@@ -83,7 +86,7 @@ void rotateBlock(float* a, float* b, const AxisWalk& w, const float* cf, const f
 }
 
 // Rotates the pairs (a[i], b[i]) along one axis with the angles advanced as the table does,
-// a short stretch of them at a time: for a single block, where a whole table would save
+// a short stretch of them at a time: for a single row, where a whole table would save
 // nothing, or when there is no room for one.
 void rotateStreaming(float* a, float* b, const AxisWalk& w, double a0, double step) {
     constexpr size_t kStretch = 256;
@@ -109,10 +112,11 @@ void rotateStreaming(float* a, float* b, const AxisWalk& w, double a0, double st
 }
 
 // Rotates the pairs (a[i], b[i]) along one axis. The angle of point k is a0 + k*step; every
-// block starts again at a0, so the table of the angles is worked out once for all blocks.
+// block starts again at a0, so the table of the angles is worked out once for all blocks; with
+// a single block of several values a point, the table lets the threads share the points.
 void rotateWalk(float* a, float* b, const AxisWalk& w, double a0, double step) {
     std::vector<float> table;
-    if (w.outer > 1) {
+    if (w.outer > 1 || w.inner > 1) {
         try {
             table.resize(2 * w.n);
         } catch (const std::bad_alloc&) {
@@ -120,10 +124,23 @@ void rotateWalk(float* a, float* b, const AxisWalk& w, double a0, double step) {
         }
     }
     if (table.empty()) return rotateStreaming(a, b, w, a0, step);
+    const float* cf = table.data();
+    const float* sf = table.data() + w.n;
     rotationTable(a0, step, w.n, table.data(), table.data() + w.n);
     const size_t block = w.n * w.inner;
-    for (size_t o = 0; o < w.outer; ++o)
-        rotateBlock(a + o * block, b + o * block, w, table.data(), table.data() + w.n);
+    // Every line of the walk (a row, or one point's values along the inner axes) takes the same
+    // products whichever thread rotates it.
+    const size_t lines = w.inner == 1 ? w.outer : w.outer * w.n;
+    forEachRowRange(lines, kMinLinesPerThread, [&](size_t begin, size_t end) {
+        for (size_t line = begin; line < end; ++line) {
+            if (w.inner == 1) {
+                rotatePairs(a + line * block, b + line * block, cf, sf, w.n);
+            } else {
+                const size_t o = line / w.n, k = line % w.n, at = o * block + k * w.inner;
+                rotatePairs(a + at, b + at, cf[k], sf[k], w.inner);
+            }
+        }
+    });
 }
 
 // Applies (phaseA, phaseB) to the pairs (a, b) laid out as w describes, with the shortcuts
@@ -131,8 +148,12 @@ void rotateWalk(float* a, float* b, const AxisWalk& w, double a0, double step) {
 void phasePairs(float* a, float* b, const AxisWalk& w, size_t count, double phaseA, double phaseB) {
     if (std::fabs(phaseB) <= kFirstOrderNegligible) {
         if (std::fabs(std::sin(phaseA)) > kSineNegligible) {
-            const AxisWalk flat{count, 1, 1};
-            rotateWalk(a, b, flat, phaseA, 0.0);
+            // One angle for all: pieces of the row rotated apart take the same products.
+            constexpr size_t kPiece = 4096;
+            forEachRowRange((count + kPiece - 1) / kPiece, 4, [&](size_t begin, size_t end) {
+                const size_t from = begin * kPiece, to = std::min(count, end * kPiece);
+                rotateStreaming(a + from, b + from, AxisWalk{to - from, 1, 1}, phaseA, 0.0);
+            });
         } else if (std::cos(phaseA) < 0.0) {
             for (size_t i = 0; i < count; ++i) {
                 a[i] = -a[i];

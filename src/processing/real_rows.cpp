@@ -1,0 +1,106 @@
+#include "processing/real_rows.h"
+
+#include <algorithm>
+#include <new>
+#include <vector>
+
+#include "processing/phase.h"
+#include "processing/row_parallel.h"
+
+namespace zolt {
+namespace {
+
+// Strided rows are gathered a tile at a time, so that each cache line read or written serves a
+// whole tile of rows instead of one point.
+constexpr size_t kTile = 16;
+
+using RowFunction = std::function<void(float*, size_t, size_t)>;
+
+struct RealRows {
+    float* data = nullptr;
+    AxisWalk w;
+    size_t tilesPerBlock = 0;
+    // Work units: whole rows when contiguous, else tiles of up to kTile rows.
+    size_t units() const { return w.inner == 1 ? w.outer : w.outer * tilesPerBlock; }
+};
+
+// The walk of the real parts; data is left for the caller that writes them.
+bool realRows(const SpectrumMatrix& m, int fIndex, RealRows& rows) {
+    if (fIndex < 1 || fIndex > 3) return false;
+    const size_t total = m.pointCount();
+    if (m.re.size() < total) return false;
+    // With hypercomplex halves only the first half holds the real parts of every axis.
+    const size_t count = hasHypercomplexHalves(m) ? total / 2 : total;
+    rows.w = axisWalk(m, fIndex, count);
+    rows.tilesPerBlock = (rows.w.inner + kTile - 1) / kTile;
+    return true;
+}
+
+// Units [begin, end) of the walk; fn still sees the rows of a tile one by one, in order.
+void walkUnits(const RealRows& rows, size_t begin, size_t end, std::vector<float>& buffer,
+               const RowFunction& fn) {
+    const AxisWalk& w = rows.w;
+    const size_t block = w.n * w.inner;
+    for (size_t u = begin; u < end; ++u) {
+        if (w.inner == 1) {
+            fn(rows.data + u * block, w.n, u);
+            continue;
+        }
+        const size_t o = u / rows.tilesPerBlock, j0 = u % rows.tilesPerBlock * kTile;
+        const size_t t = std::min(kTile, w.inner - j0);
+        float* base = rows.data + o * block + j0;
+        for (size_t k = 0; k < w.n; ++k)
+            for (size_t j = 0; j < t; ++j) buffer[j * w.n + k] = base[k * w.inner + j];
+        for (size_t j = 0; j < t; ++j) fn(buffer.data() + j * w.n, w.n, o * w.inner + j0 + j);
+        for (size_t k = 0; k < w.n; ++k)
+            for (size_t j = 0; j < t; ++j) base[k * w.inner + j] = buffer[j * w.n + k];
+    }
+}
+
+bool tileBuffer(const RealRows& rows, std::vector<float>& buffer) {
+    if (rows.w.inner == 1) return true;
+    try {
+        buffer.resize(rows.w.n * kTile);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+}  // namespace
+
+size_t realRowCount(const SpectrumMatrix& m, int fIndex) {
+    RealRows rows;
+    if (!realRows(m, fIndex, rows)) return 0;
+    return rows.w.outer * rows.w.inner;
+}
+
+bool forEachRealRow(SpectrumMatrix& m, int fIndex, const std::function<void(float*, size_t)>& fn) {
+    RealRows rows;
+    std::vector<float> buffer;
+    if (!realRows(m, fIndex, rows) || !tileBuffer(rows, buffer)) return false;
+    rows.data = m.re.data();
+    walkUnits(rows, 0, rows.units(), buffer, [&](float* row, size_t n, size_t) { fn(row, n); });
+    return true;
+}
+
+bool forEachRealRowInParallel(SpectrumMatrix& m, int fIndex, const RowFunction& fn) {
+    RealRows rows;
+    if (!realRows(m, fIndex, rows)) return false;
+    rows.data = m.re.data();
+    // A tile holds up to kTile rows, so fewer tiles than rows make a thread worth while.
+    const size_t minUnits = rows.w.inner == 1 ? 16 : 2;
+    bool complete = true;
+    try {
+        forEachRowRange(rows.units(), minUnits, [&](size_t begin, size_t end) {
+            std::vector<float> buffer;
+            if (!tileBuffer(rows, buffer)) throw std::bad_alloc();
+            walkUnits(rows, begin, end, buffer, fn);
+        });
+    } catch (const std::bad_alloc&) {
+        complete = false;
+    }
+    return complete;
+}
+
+}  // namespace zolt

@@ -1,0 +1,24 @@
+// The rows of the real parts along one dimension, handed to a function one by one.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+#include "model/spectrum_matrix.h"
+
+namespace zolt {
+
+// Calls fn(row, n) for every row of the real parts along fIndex, in storage order, gathering
+// rows of a non-contiguous axis into a buffer and writing them back. Returns false when the
+// matrix is inconsistent (buffer shorter than its points) or the buffer cannot be had.
+bool forEachRealRow(SpectrumMatrix& m, int fIndex, const std::function<void(float*, size_t)>& fn);
+
+// The number of those rows; 0 when the matrix is inconsistent.
+size_t realRowCount(const SpectrumMatrix& m, int fIndex);
+
+// The same on several threads, for rows that do not depend on one another: fn(row, n, index)
+// with index the row's place in the order above, each thread with a buffer of its own.
+bool forEachRealRowInParallel(SpectrumMatrix& m, int fIndex,
+                              const std::function<void(float*, size_t, size_t)>& fn);
+
+}  // namespace zolt
