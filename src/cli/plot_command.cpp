@@ -6,8 +6,8 @@
 #include <sstream>
 
 #include "app/application.h"
-#include "app/automatic_processing.h"
 #include "app/headless_platform.h"
+#include "cli/headless_settings.h"
 #include "cli/run_command.h"
 #include "operations/display_operations.h"
 #include "platform_qt/qt_settings_store.h"
@@ -78,10 +78,8 @@ int runPlotCommand(int argc, char** argv, const std::vector<std::string>& args, 
     QGuiApplication gui(argc, argv);
     HeadlessPlatform platform(out, err);
     QtSettingsStore settings;
-    Application app(platform, options->automatic ? loadPreferences(settings, ensureStartupScript)
-                                                 : loadPreferences(settings));
-    app.setAutomaticScripts(options->automatic);
-    app.setSettingsStore(&settings);
+    Application app(platform, headlessPreferences(settings, options->automatic));
+    useHeadlessSettings(app, settings, options->automatic);
     app.setPictureWriter([](const SpectrumDocument& d, const std::string& path,
                             std::string_view type) { return writePicture(d, path, type); });
     if (app.open(options->path) == 0 || !app.frontDocument()) return 1;

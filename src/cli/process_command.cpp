@@ -14,6 +14,7 @@
 #include "app/headless_platform.h"
 #include "base/files.h"
 #include "base/paths.h"
+#include "cli/headless_settings.h"
 #include "io/data_set_walk.h"
 #include "operations/analysis_tables.h"
 #include "platform_qt/qt_settings_store.h"
@@ -211,7 +212,10 @@ int runProcessCommand(const std::vector<std::string>& args, std::ostream& out, s
     }
     HeadlessPlatform platform(out, err);
     QtSettingsStore settings;
-    Application app(platform, loadPreferences(settings));
+    // The script runs by itself here, not on opening: the start-up script is made sure of by
+    // the command.
+    Application app(platform, headlessPreferences(settings, false));
+    useHeadlessSettings(app, settings, false);
     return processInApplication(app, platform, *options, out, err,
                                 isatty(STDERR_FILENO) ? &err : nullptr);
 }

@@ -6,8 +6,8 @@
 #include <sstream>
 
 #include "app/application.h"
-#include "app/automatic_processing.h"
 #include "app/headless_platform.h"
+#include "cli/headless_settings.h"
 #include "platform_qt/qt_settings_store.h"
 
 namespace zolt {
@@ -93,11 +93,8 @@ int runRunCommand(const std::vector<std::string>& args, std::ostream& out, std::
     }
     HeadlessPlatform platform(out, err);
     QtSettingsStore settings;
-    // Only --auto makes sure of the start-up script: explicit scripts stay alone.
-    Application app(platform, options->automatic ? loadPreferences(settings, ensureStartupScript)
-                                                 : loadPreferences(settings));
-    app.setAutomaticScripts(options->automatic);
-    app.setSettingsStore(&settings);
+    Application app(platform, headlessPreferences(settings, options->automatic));
+    useHeadlessSettings(app, settings, options->automatic);
     return runInApplication(app, platform, *options, out, err);
 }
 

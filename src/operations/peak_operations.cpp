@@ -15,10 +15,6 @@ bool transformed(const SpectrumDocument& doc) {
     return doc.source.highestTIndex == 0 && !doc.matrix.re.empty();
 }
 
-AxisSegments wholeAxis(const DimensionRecord& d, int f) {
-    return {static_cast<uint8_t>(f), {d.lowestPpm + d.spectralWidth, d.lowestPpm}};
-}
-
 }  // namespace
 
 PeakAxes peakAxes(const SpectrumDocument& doc) {
@@ -44,7 +40,10 @@ DisplayParameters mainPlotForPicking(const SpectrumDocument& doc) {
     DisplayParameters plot = doc.page.plots.front();
     // A plot that names no segment shows the whole axis.
     const int x = horizontalAxis(doc);
-    if (plot.horizontal.ppm.size() < 2) plot.horizontal = wholeAxis(doc.matrix.dims[x], x);
+    if (plot.horizontal.ppm.size() < 2) {
+        const std::array<float, 2> range = fullRange(doc.matrix.dims[x]);
+        plot.horizontal = {static_cast<uint8_t>(x), {range[0], range[1]}};
+    }
     return plot;
 }
 
