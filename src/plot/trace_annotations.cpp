@@ -161,6 +161,12 @@ void drawIntegrals(QPainter& p, const SpectrumDocument& doc, const DisplayParame
     const QFontMetricsF metrics(p.font());
     p.save();
     p.setPen(QPen(f.color2, 0));
+    struct Value {
+        double x;
+        QString text;
+    };
+    std::vector<Value> shown;
+    double widest = 0.0;
     for (const Curve& c : list) {
         if (curves) {
             QPolygonF line;
@@ -177,9 +183,19 @@ void drawIntegrals(QPainter& p, const SpectrumDocument& doc, const DisplayParame
             doc.page.integralNormalization != 0 ? doc.page.integralNormalization : 1.0;
         const QString text =
             QString::number(c.value / normal, 'f', std::clamp<int>(doc.page.integralDigits, 0, 9));
-        const double x = s->pixel(c.ppm) - metrics.horizontalAdvance(text) / 2;
-        p.drawText(QPointF(x, f.data.bottom() + kTraceScaleBand - metrics.descent() - 1), text);
+        widest = std::max(widest, metrics.horizontalAdvance(text));
+        shown.push_back({s->pixel(c.ppm), text});
     }
+    // Values of neighbouring regions would print over each other: they are spread like the
+    // peak labels, each run of crowded ones centred on its regions.
+    std::sort(shown.begin(), shown.end(), [](const Value& a, const Value& b) { return a.x < b.x; });
+    std::vector<double> wanted;
+    for (const Value& v : shown) wanted.push_back(v.x);
+    const std::vector<double> at = spreadLabels(wanted, widest + metrics.averageCharWidth());
+    const double baseline = f.data.bottom() + kTraceScaleBand - metrics.descent() - 1;
+    for (size_t i = 0; i < shown.size(); ++i)
+        p.drawText(QPointF(at[i] - metrics.horizontalAdvance(shown[i].text) / 2, baseline),
+                   shown[i].text);
     p.restore();
 }
 
