@@ -2,7 +2,12 @@
 // the mouse and the tool keys into the document operations.
 #pragma once
 
+#include <QPoint>
 #include <QWidget>
+#include <functional>
+#include <optional>
+
+#include "plot/plot_pointer.h"
 
 namespace zolt {
 
@@ -16,27 +21,60 @@ public:
 
     SpectrumDocument& document() { return document_; }
 
-    // The tool of the command table's Tools menu (850 Pointer ... 861 Cross-Hair).
+    // The tool of the command table's Tools menu (850 Pointer ... 861 Cross-Hair); other
+    // identifiers are ignored.
     void setTool(int toolId);
     int tool() const { return tool_; }
+
+    // A document drawn instead of the view's own (a trial of the Phase Correction dialog);
+    // nullptr draws the document again.
+    void setPreview(const SpectrumDocument* preview);
+    const SpectrumDocument& shownDocument() const;
+
+    // While set, a click in the plot goes to the handler instead of the tool.
+    using PointHandler = std::function<void(const PlotPoint&)>;
+    void setPointHandler(PointHandler handler) { pointHandler_ = std::move(handler); }
+    // A vertical line drawn at this horizontal ppm (the dialog's pivot); nothing when unset.
+    void setMarker(std::optional<double> ppm);
 
 public slots:
     // Draws again after an operation changed the document.
     void documentChanged();
+    // Draws again and tells the window the document was changed through the view.
+    void documentEdited();
 
 signals:
     // The cursor's position as the status bar shows it (ppm, Hz and intensity).
     void statusChanged(const QString& text);
     // An interaction changed the document.
     void modified();
+    // A tool key or setTool chose another tool.
+    void toolChanged(int toolId);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void leaveEvent(QEvent* event) override;
 
 private:
+    bool dragsRegions() const;
+    void finishDrag(QPoint end);
+    void zoomTo(const PlotSpan& span);
+    void pickIn(const PlotSpan& span);
+    void integrateOver(const PlotSpan& span);
+    void paintOverlay(QPainter& painter);
+
     Application& app_;
     SpectrumDocument& document_;
+    const SpectrumDocument* preview_ = nullptr;
     int tool_ = 850;
+    PointHandler pointHandler_;
+    std::optional<double> marker_;
+    std::optional<QPoint> cursor_;     // inside the view, for the cross-hair
+    std::optional<QPoint> dragStart_;  // a drag of the zoom, picker or integrator
 };
 
 }  // namespace zolt

@@ -48,6 +48,28 @@ OperationResult automaticIntegration(SpectrumDocument& doc, const AutoCutParamet
     return OperationResult{true, std::nullopt};
 }
 
+OperationResult addIntegralRegion(SpectrumDocument& doc, std::array<double, 2> x,
+                                  std::optional<std::array<double, 2>> y) {
+    if (doc.source.highestTIndex != 0 || doc.matrix.re.empty()) return {};
+    const int axes = frequencyAxes(doc.matrix);
+    if (axes != (y ? 2 : 1)) return {};
+    const auto finite = [](const std::array<double, 2>& p) {
+        return std::isfinite(p[0]) && std::isfinite(p[1]) && std::fabs(p[0]) < kUnusedLimit &&
+               std::fabs(p[1]) < kUnusedLimit;
+    };
+    if (!finite(x) || (y && !finite(*y))) return {};
+    IntegralRegion r;
+    r.fields[0] = static_cast<float>(std::max(x[0], x[1]));
+    r.fields[1] = static_cast<float>(std::min(x[0], x[1]));
+    if (y) {
+        r.fields[2] = static_cast<float>(std::max((*y)[0], (*y)[1]));
+        r.fields[3] = static_cast<float>(std::min((*y)[0], (*y)[1]));
+    }
+    doc.integrals.push_back(r);
+    doc.flags |= document_flags::kModified;
+    return OperationResult{true, std::nullopt};
+}
+
 OperationResult fragmentScale(SpectrumDocument& doc, const AutoCutParameters& p) {
     const float* trace = oneDimensionalTrace(doc);
     if (!trace) return {};

@@ -2,6 +2,7 @@
 // single-region readings and the baseline fitted outside the integral regions.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <vector>
@@ -19,6 +20,12 @@ OperationResult automaticIntegration(SpectrumDocument& doc, const AutoCutParamet
 // Automatic cut in scale-fragmentation mode: the runs of signal become the segments of the
 // main plot's horizontal axis.
 OperationResult fragmentScale(SpectrumDocument& doc, const AutoCutParameters& p);
+
+// A region drawn with the integrator over ascending ppm pairs: horizontal only on a transformed
+// 1-D document, horizontal and vertical on a 2-D one (no end-point correction). It is appended
+// with the higher limit first, as the automatic cut stores them. Marks the document modified.
+OperationResult addIntegralRegion(SpectrumDocument& doc, std::array<double, 2> x,
+                                  std::optional<std::array<double, 2>> y = std::nullopt);
 
 // `exact`: the limits of the 1-D regions of a transformed 1-D document fitted to its signal.
 OperationResult improveIntegralLimits(SpectrumDocument& doc);

@@ -59,6 +59,24 @@ OperationResult pickPeaks1D(SpectrumDocument& doc, double threshold, bool highes
     return {true, std::nullopt};
 }
 
+OperationResult pickPeaksInRange(SpectrumDocument& doc, double ppmA, double ppmB,
+                                 int pickingMinimum) {
+    if (!transformed(doc) || frequencyAxes(doc.matrix) != 1) return {};
+    if (!std::isfinite(ppmA) || !std::isfinite(ppmB)) return {};
+    const DimensionRecord& axis = doc.matrix.dims[horizontalAxis(doc)];
+    if (doc.matrix.re.size() < axis.points) return {};
+    DisplayParameters plot = mainPlotForPicking(doc);
+    const std::array<float, 2> whole = fullRange(axis);
+    const auto clamp = [&whole](double v) {
+        return static_cast<float>(std::clamp<double>(v, whole[0], whole[1]));
+    };
+    plot.horizontal.ppm = {clamp(std::min(ppmA, ppmB)), clamp(std::max(ppmA, ppmB))};
+    const int minimum = std::max(pickingMinimum, kMinimumPickingPoints);
+    pick1D(doc.matrix.re.data(), axis, plot, 0.0, minimum, false, doc.peaks.oneD);
+    doc.flags |= document_flags::kModified;
+    return {true, std::nullopt};
+}
+
 OperationResult runPeakPicker(SpectrumDocument& doc, const PeakPickingOptions& stored,
                               const std::optional<PpmBox>& selection) {
     if (!transformed(doc) || frequencyAxes(doc.matrix) < 2) return {};

@@ -21,6 +21,12 @@ inline constexpr int kMinimumPickingPoints = 4;
 OperationResult pickPeaks1D(SpectrumDocument& doc, double threshold, bool highestOnly,
                             int pickingMinimum);
 
+// The peak-picker tool over a ppm range of a 1-D trace: picks as pickPeaks1D would with the
+// plot showing only that range (the plot's own threshold), merging into the list. Marks the
+// document modified when it was picked.
+OperationResult pickPeaksInRange(SpectrumDocument& doc, double ppmA, double ppmB,
+                                 int pickingMinimum);
+
 // One action of the 2-D picker with the stored options; the threshold becomes the main plot's
 // lowest contour level, the upper limit keeps its ratio to it.
 OperationResult runPeakPicker(SpectrumDocument& doc, const PeakPickingOptions& stored,

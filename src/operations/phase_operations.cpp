@@ -1,5 +1,7 @@
 #include "operations/phase_operations.h"
 
+#include <cmath>
+#include <numbers>
 #include <utility>
 #include <vector>
 
@@ -12,6 +14,8 @@ namespace zolt {
 
 namespace {
 
+constexpr double kRadiansPerDegree = std::numbers::pi / 180.0;
+
 bool phaseable(const SpectrumMatrix& m) {
     return !m.realOnly() && !m.im.empty() && !(m.state & matrix_state::kMagnitude);
 }
@@ -23,6 +27,24 @@ OperationResult changeDocumentPhase(SpectrumDocument& doc, double zero, double f
     const int f = fIndex ? *fIndex : horizontalAxis(doc);
     changePhase(doc.matrix, doc.source.highestTIndex, f, zero, first);
     return OperationResult{true, std::nullopt};
+}
+
+OperationResult changeDocumentPhaseDegrees(SpectrumDocument& doc, double zeroDegrees,
+                                           double firstDegrees, std::optional<int> fIndex) {
+    return changeDocumentPhase(doc, zeroDegrees * kRadiansPerDegree,
+                               firstDegrees * kRadiansPerDegree, fIndex);
+}
+
+double zeroOrderAtFirstPoint(const PivotedPhase& p, size_t points) {
+    if (points == 0) return p.zeroDegrees;
+    return p.zeroDegrees - p.firstDegrees * p.pivot / static_cast<double>(points);
+}
+
+PivotedPhase removingPhase(const DimensionRecord& d, double pivot) {
+    PivotedPhase p{0.0, -d.phase1 / kRadiansPerDegree, pivot};
+    const double atFirst = -d.phase0 / kRadiansPerDegree;
+    p.zeroDegrees = d.points ? atFirst + p.firstDegrees * pivot / d.points : atFirst;
+    return p;
 }
 
 OperationResult automaticPhase(SpectrumDocument& doc, bool alternative) {

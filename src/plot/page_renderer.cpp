@@ -43,24 +43,44 @@ void drawTitle(QPainter& p, const SpectrumDocument& doc, const PlotFrame& f) {
                QString::fromStdString(title));
 }
 
-}  // namespace
-
-void renderPage(const SpectrumDocument& doc, QPainter& p, QSize size) {
+PageRecord pageAt(const SpectrumDocument& doc, QSize size) {
     PageRecord page = doc.page;
     if (page.pageWidth && page.pageHeight)
         followResize(page, page.pageWidth, page.pageHeight, size.width(), size.height());
+    return page;
+}
+
+// A box from a damaged file is not drawn.
+bool saneBox(const DisplayParameters& plot) {
+    return std::all_of(plot.box.begin(), plot.box.end(), [](float v) {
+        return std::isfinite(v) && std::fabs(v) <= kLargestBoxPixels;
+    });
+}
+
+bool drawable(const DisplayParameters& plot, const PlotFrame& f) {
+    return !f.x.empty() && !(plot.hasVertical && f.y.empty());
+}
+
+}  // namespace
+
+std::optional<DrawnPlot> drawnMainPlot(const SpectrumDocument& doc, QSize size) {
+    const PageRecord page = pageAt(doc, size);
+    if (page.plots.empty() || !saneBox(page.plots.front())) return std::nullopt;
+    DrawnPlot drawn{page.plots.front(), frameOf(page, page.plots.front(), doc.matrix)};
+    if (!drawable(drawn.plot, drawn.frame)) return std::nullopt;
+    return drawn;
+}
+
+void renderPage(const SpectrumDocument& doc, QPainter& p, QSize size) {
+    const PageRecord page = pageAt(doc, size);
     p.save();
     p.setRenderHint(QPainter::Antialiasing, true);
     p.fillRect(QRect(QPoint(0, 0), size), Qt::white);
     for (size_t i = 0; i < page.plots.size(); ++i) {
         const DisplayParameters& plot = page.plots[i];
-        // A box from a damaged file is not drawn.
-        const bool sane = std::all_of(plot.box.begin(), plot.box.end(), [](float v) {
-            return std::isfinite(v) && std::fabs(v) <= kLargestBoxPixels;
-        });
-        if (!sane) continue;
+        if (!saneBox(plot)) continue;
         const PlotFrame f = frameOf(page, plot, doc.matrix);
-        if (f.x.empty() || (plot.hasVertical && f.y.empty())) continue;
+        if (!drawable(plot, f)) continue;
         p.setFont(f.font);
         if (i > 0) {
             // An inset covers what lies under it.

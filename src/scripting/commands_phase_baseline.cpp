@@ -2,7 +2,6 @@
 // straight-line baselines.
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 #include "operations/baseline_operations.h"
 #include "operations/integral_operations.h"
@@ -14,7 +13,6 @@ namespace zolt {
 
 namespace {
 
-constexpr double kRadiansPerDegree = std::numbers::pi / 180.0;
 constexpr long long kPolyOrderMax = 7, kPolyFilterMax = 128;
 // Rows beyond any matrix; keeps the conversion to an index defined.
 constexpr double kRowLimit = 9007199254740992.0;  // 2^53
@@ -55,12 +53,12 @@ int bline(lua_State* L) {
 }
 
 int phase(lua_State* L) {
-    const double zero = luaL_optnumber(L, 1, 0.0) * kRadiansPerDegree;
-    const double first = luaL_optnumber(L, 2, 0.0) * kRadiansPerDegree;
+    const double zero = luaL_optnumber(L, 1, 0.0);
+    const double first = luaL_optnumber(L, 2, 0.0);
     std::optional<int> axis;
     if (!lua_isnoneornil(L, 3)) axis = static_cast<int>(optClampedInteger(L, 3, 1, 1, 3));
     for (SpectrumDocument* d : targets(L))
-        finish(L, *d, changeDocumentPhase(*d, zero, first, axis));
+        finish(L, *d, changeDocumentPhaseDegrees(*d, zero, first, axis));
     return 0;
 }
 
