@@ -71,6 +71,8 @@ void PhaseDialog::build() {
     zero_->setRange(-kZeroRange * int(kSliderSteps), kZeroRange * int(kSliderSteps));
     first_ = new QSlider(Qt::Horizontal);
     first_->setRange(-kFirstRange * int(kSliderSteps), kFirstRange * int(kSliderSteps));
+    zero_->setObjectName("zeroOrder");
+    first_->setObjectName("firstOrder");
     first_->setToolTip("First-order correction. Define a pivot point for better results.");
     zeroText_ = new QLabel;
     firstText_ = new QLabel;
@@ -80,6 +82,9 @@ void PhaseDialog::build() {
     auto* remove = new QPushButton("Remove");
     remove->setToolTip("Removes all corrections in the current dimension");
     auto* automaticButton = new QPushButton("Automatic");
+    turn->setObjectName("turn180");
+    remove->setObjectName("removeAll");
+    automaticButton->setObjectName("automatic");
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
 
     auto* grid = new QGridLayout;
