@@ -16,6 +16,7 @@
 #include "plot/marching_squares.h"
 #include "plot/page_renderer.h"
 #include "plot/picture_output.h"
+#include "plot/plot_pointer.h"
 #include "test_data.h"
 
 namespace zolt {
@@ -104,6 +105,45 @@ TEST(Plot, ContoursCloseAroundPickedHsqcPeaks) {
         }
         EXPECT_FALSE(escaped);
     }
+}
+
+// The pointer reads a map through the renderer's own axes: picked peaks lie under their pixels
+// with their intensity, and a drag across the whole data area spans the plot's limits.
+TEST(Plot, PointerOnAMapFindsPeaksUnderTheirPixels) {
+    ensureGui();
+    auto doc = testdata::openTransformed("cyclosporin-hsqc");
+    ASSERT_TRUE(doc);
+    const QSize size(800, 600);
+    const DrawnPlot drawn = *drawnMainPlot(*doc, size);
+    const PlotFrame& f = drawn.frame;
+    PeakPickingOptions options = loadPeakOptions(nullptr, drawn.plot.threshold * 8);
+    const PickedPeaks picked = pickPeaks(doc->matrix, {doc->matrix.xIndex, doc->matrix.yIndex, 0},
+                                         kWholeSpectrum, options);
+    ASSERT_GE(picked.peaks.size(), 3u);
+    const double xStep = std::fabs(f.x[0].ppm(1) - f.x[0].ppm(0));
+    const double yStep = std::fabs(f.y[0].ppm(1) - f.y[0].ppm(0));
+    for (size_t k = 0; k < 3; ++k) {
+        const auto& peak = picked.peaks[k];
+        const QPointF pixel(f.x[0].pixel(peak[0]), f.y[0].pixel(peak[1]));
+        const std::optional<PlotPoint> p = pointAt(*doc, size, pixel);
+        ASSERT_TRUE(p && p->value);
+        EXPECT_EQ(p->fx, doc->matrix.xIndex);
+        EXPECT_EQ(p->fy, doc->matrix.yIndex);
+        EXPECT_NEAR(p->x, peak[0], xStep);
+        EXPECT_NEAR(p->y, peak[1], yStep);
+        EXPECT_GE(*p->value, drawn.plot.threshold);
+        if (k == 0)
+            EXPECT_EQ(statusText(*doc, *p),
+                      "f2 5.7415 ppm 2871.50 Hz  f1 130.4119 ppm 16401.46 Hz  intensity 780726");
+    }
+    const std::optional<PlotSpan> span =
+        spanBetween(*doc, size, f.data.bottomRight() + QPointF(9, 9), f.data.topLeft());
+    ASSERT_TRUE(span && span->y);
+    EXPECT_NEAR(span->x[0], drawn.plot.horizontal.ppm[0], 1e-4);
+    EXPECT_NEAR(span->x[1], drawn.plot.horizontal.ppm[1], 1e-4);
+    EXPECT_NEAR((*span->y)[0], drawn.plot.vertical.ppm[0], 1e-3);
+    EXPECT_NEAR((*span->y)[1], drawn.plot.vertical.ppm[1], 1e-3);
+    EXPECT_FALSE(pointAt(*doc, size, QPointF(-5, 10)));
 }
 
 TEST(Plot, PdfAndSvgHoldVectorPathsAndText) {
