@@ -72,7 +72,7 @@ std::optional<PlotPoint> pointAt(const SpectrumDocument& doc, QSize size, QPoint
 
 std::optional<PlotSpan> spanBetween(const SpectrumDocument& doc, QSize size, QPointF a, QPointF b) {
     const std::optional<DrawnPlot> drawn = drawnMainPlot(doc, size);
-    if (!drawn) return std::nullopt;
+    if (!drawn || !std::isfinite(a.x() + a.y() + b.x() + b.y())) return std::nullopt;
     const auto pair = [](double u, double v) {
         return std::array<double, 2>{std::min(u, v), std::max(u, v)};
     };
