@@ -7,7 +7,7 @@ class QWidget;
 
 namespace zolt {
 
-// "Zolt 0.1" and "Lua 5.1.5" on lines of their own.
+// "Zolt <version>", a line on what it does and "Scripting with Lua 5.1.x".
 QString aboutText();
 void showAboutBox(QWidget* parent);
 

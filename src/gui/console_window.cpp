@@ -84,9 +84,7 @@ ConsoleWindow::ConsoleWindow(Application& app, QWidget* parent)
     inputRow->addWidget(run);
     inputRow->addWidget(arrows);
     auto* buttonRow = new QHBoxLayout;
-    for (QWidget* w : {static_cast<QWidget*>(store), static_cast<QWidget*>(restore),
-                       static_cast<QWidget*>(copy), static_cast<QWidget*>(help)})
-        buttonRow->addWidget(w);
+    for (QPushButton* b : {store, restore, copy, help}) buttonRow->addWidget(b);
     buttonRow->addStretch(1);
     buttonRow->addWidget(forAll_);
     auto* shortcutRow = new QHBoxLayout;

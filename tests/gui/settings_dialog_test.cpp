@@ -5,12 +5,15 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSpinBox>
 #include <QTest>
 #include <QTimer>
+#include <lua.hpp>
 
 #include "app/application.h"
 #include "app/recording_platform.h"
+#include "gui/about_box.h"
 #include "gui/timer_dialog.h"
 #include "platform_qt/qt_settings_store.h"
 #include "test_data.h"
@@ -90,6 +93,12 @@ private slots:
         QCOMPARE(app.preferences().spectrometerMhz, 500.0f);
         QCOMPARE(*store.bytes("Automatic Processing"), std::string(1, '\1'));
         QCOMPARE(*store.text("folder of scripts"), folder);
+    }
+
+    void theAboutBoxNamesTheProgramItsVersionAndLua() {
+        const QStringList lines = aboutText().split('\n');
+        QVERIFY(QRegularExpression("^Zolt \\d+\\.\\d+").match(lines.front()).hasMatch());
+        QCOMPARE(lines.back(), QString("Scripting with " LUA_RELEASE));
     }
 
     void timedSwitchesAreNeitherShownAsLastingNorStoredAndComeBack() {
