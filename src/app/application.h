@@ -9,6 +9,7 @@
 
 #include "app/platform.h"
 #include "app/preferences.h"
+#include "app/timed_preferences.h"
 #include "model/spectrum_document.h"
 #include "scripting/script_context.h"
 #include "scripting/script_host.h"
@@ -22,6 +23,8 @@ public:
 
     Platform& platform() { return platform_; }
     Preferences& preferences() { return preferences_; }
+    // The switches changed for a limited time (Help > Timer); they are never stored.
+    TimedPreferences& timedPreferences() { return timed_; }
     // Where options kept between runs beyond the preference block live (the 2-D peak-picking
     // options); without one they take their defaults.
     void setSettingsStore(SettingsStore* store) { settings_ = store; }
@@ -91,6 +94,7 @@ private:
 
     Platform& platform_;
     Preferences preferences_;
+    TimedPreferences timed_;
     SettingsStore* settings_ = nullptr;
     std::vector<std::unique_ptr<SpectrumDocument>> documents_;
     std::unique_ptr<ScriptHost> host_;
