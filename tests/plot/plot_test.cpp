@@ -132,9 +132,10 @@ TEST(Plot, PointerOnAMapFindsPeaksUnderTheirPixels) {
         EXPECT_NEAR(p->x, peak[0], xStep);
         EXPECT_NEAR(p->y, peak[1], yStep);
         EXPECT_GE(*p->value, drawn.plot.threshold);
-        if (k == 0)
+        if (k == 0) {
             EXPECT_EQ(statusText(*doc, *p),
                       "f2 5.7415 ppm 2871.50 Hz  f1 130.4119 ppm 16401.46 Hz  intensity 780726");
+        }
     }
     const std::optional<PlotSpan> span =
         spanBetween(*doc, size, f.data.bottomRight() + QPointF(9, 9), f.data.topLeft());
