@@ -86,6 +86,8 @@ public:
 private:
     PictureWriter pictureWriter_;
     bool openOne(const std::string& path);
+    // Reads the data set into a new front document; failures are shown.
+    bool readAndAdd(const std::string& path);
     // The new front document, just read: runs what its opening asks for.
     void runOpeningScripts(SpectrumDocument& document);
 
