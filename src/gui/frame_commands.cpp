@@ -111,7 +111,8 @@ void MainWindow::sendEditCommand(int id) {
     QWidget* focus = QApplication::focusWidget();
     if (!focus) return;
     const char* slot = id == kUndo ? "undo" : id == kCut ? "cut" : id == kCopy ? "copy" : "paste";
-    QMetaObject::invokeMethod(focus, slot);
+    if (focus->metaObject()->indexOfMethod((std::string(slot) + "()").c_str()) >= 0)
+        QMetaObject::invokeMethod(focus, slot);
 }
 
 void MainWindow::toggleFlag(uint32_t bit) {

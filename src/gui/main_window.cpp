@@ -77,7 +77,8 @@ DocumentWindow* MainWindow::frontWindow() const {
 void MainWindow::showDocuments() {
     std::vector<SpectrumDocument*> missing;
     for (const auto& doc : app_.documentList())
-        if (!windows_.contains(doc.get())) missing.push_back(doc.get());
+        if (!windows_.contains(doc.get()) && !closing_.contains(doc.get()))
+            missing.push_back(doc.get());
     std::reverse(missing.begin(), missing.end());
     for (SpectrumDocument* doc : missing) {
         auto* window = new DocumentWindow(app_, *doc);
@@ -95,9 +96,11 @@ void MainWindow::showDocuments() {
 void MainWindow::closeWindow(DocumentWindow* window) {
     SpectrumDocument* doc = &window->document();
     windows_.erase(doc);
+    closing_.insert(doc);
     QTimer::singleShot(0, this, [this, window, doc] {
         delete window;
         app_.closeDocument(*doc);
+        closing_.erase(doc);
     });
 }
 

@@ -6,6 +6,7 @@
 #include <QMainWindow>
 #include <functional>
 #include <map>
+#include <set>
 
 #include "app/command_table.h"
 #include "app/menu_enabling.h"
@@ -86,6 +87,8 @@ private:
     RecentFiles recent_;
     std::map<int, QAction*> actions_;
     std::map<const SpectrumDocument*, DocumentWindow*> windows_;
+    // Documents whose window is closing: they leave the list once the window is gone.
+    std::set<const SpectrumDocument*> closing_;
     QMenu* recentMenu_ = nullptr;
     QMenu* scriptsMenu_ = nullptr;
     int synchronisation_ = 0;
