@@ -36,6 +36,9 @@ public:
     void openPath(const QString& path);
     // A menu selection or accelerator: routed to a script, the front document or the frame.
     void runCommand(int id);
+    // Gives a window to every document without one: after scripts run from elsewhere (the
+    // console) opened documents.
+    void showDocuments();
 
     // The action of a table row (the first of a range); nullptr for an identifier not built.
     QAction* action(int id) const;
@@ -77,7 +80,6 @@ private:
     bool frameDialog(int id);
 
     // main_window.cpp
-    void showDocuments();
     void closeWindow(DocumentWindow* window);
     void activated(DocumentWindow* window);
 

@@ -2,6 +2,7 @@
 // and automatic processing on opening, on real data.
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMenu>
 #include <QTest>
 #include <filesystem>
 
@@ -21,6 +22,14 @@ namespace {
 // The documents' windows in the frame's client area.
 int windowCount(MainWindow& frame) {
     return int(frame.findChild<QMdiArea*>()->subWindowList().size());
+}
+
+// The top-level menu that holds a command.
+QMenu* menuOf(MainWindow& frame, int id) {
+    QMenu* menu = qobject_cast<QMenu*>(frame.action(id)->parent());
+    while (menu && qobject_cast<QMenu*>(menu->parent()))
+        menu = qobject_cast<QMenu*>(menu->parent());
+    return menu;
 }
 
 }  // namespace
@@ -137,6 +146,30 @@ private slots:
         QCOMPARE(doc.peaks.oneD.size(), size_t{21});
         QCOMPARE(doc.integrals.size(), size_t{3});  // as zolt-cli process finds them
         QVERIFY(platform.boxes.empty());
+
+        // The menus as they open: the transformed document's items, the frame's console text.
+        const std::map<int, bool> enabled{{509, true}, {508, true},  {602, false}, {801, false},
+                                          {251, true}, {253, false}, {113, false}, {104, true}};
+        for (const auto& [id, on] : enabled) {
+            QMenu* menu = menuOf(frame, id);
+            emit menu->aboutToShow();
+            QCOMPARE(frame.action(id)->isEnabled(), on);
+            emit menu->aboutToHide();
+        }
+        QCOMPARE(frame.action(801)->text(), QString("Show Console     Ctrl+0"));
+        // A new spectrum shows its integral values; View > Integral Values hides them.
+        QVERIFY(frame.action(505)->isChecked());
+        frame.runCommand(505);
+        emit menuOf(frame, 505)->aboutToShow();
+        QVERIFY(!frame.action(505)->isChecked());
+
+        // Edit > Copy... > List of Peaks and View > Delete All Integrals on the front document.
+        frame.runCommand(251);
+        QCOMPARE(platform.beeps, 1);
+        QVERIFY(platform.clipboard.starts_with("line \t        ppm \t"));
+        frame.runCommand(509);
+        QVERIFY(doc.integrals.empty());
+        QVERIFY(doc.flags & document_flags::kModified);
     }
 };
 
