@@ -41,7 +41,9 @@ MainWindow::MainWindow(Application& app, SettingsStore* settings, QWidget* paren
     });
 }
 
+// The windows go with the frame: no activation reaches the document list while they do.
 MainWindow::~MainWindow() {
+    disconnect(mdi_, nullptr, this, nullptr);
     app_.setRedrawListener({});
 }
 
