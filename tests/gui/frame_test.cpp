@@ -3,8 +3,10 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
+#include <QMenuBar>
 #include <QTest>
 #include <filesystem>
+#include <fstream>
 
 #include "app/application.h"
 #include "app/automatic_processing.h"
@@ -170,6 +172,16 @@ private slots:
         frame.runCommand(509);
         QVERIFY(doc.integrals.empty());
         QVERIFY(doc.flags & document_flags::kModified);
+
+        // The Scripts menu lists the folder's scripts by name as it opens; an entry runs its
+        // script on the front document.
+        std::ofstream(fs::path(*prefs.scriptsFolder) / "unpick.lua") << "mark(7.0)\n";
+        QMenu* scripts = frame.menuBar()->actions().back()->menu();
+        emit scripts->aboutToShow();
+        QCOMPARE(scripts->actions().size(), 2);
+        QCOMPARE(scripts->actions()[1]->text(), QString("unpick"));
+        frame.runCommand(5001);
+        QCOMPARE(doc.marks[0], std::vector<float>{7.0f});
     }
 };
 
