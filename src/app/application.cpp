@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "app/document_opening.h"
+#include "app/folder_opening.h"
 #include "document/document_file.h"
 #include "io/data_set_walk.h"
 #include "operations/display_operations.h"
@@ -74,6 +75,10 @@ bool Application::openOne(const std::string& path) {
         platform_.messageBox(kTooManyCaption, kTooManyText);
         return false;
     }
+    return readAndAdd(path);
+}
+
+bool Application::readAndAdd(const std::string& path) {
     Message failure;
     auto doc = readDocument(path, preferences_, failure, readerTable(), automaticScripts_);
     if (!doc) {
@@ -100,27 +105,11 @@ int Application::open(const std::string& path) {
     std::error_code ec;
     if (!std::filesystem::is_directory(path, ec) || isDataSetFolder(path))
         return openOne(path) ? 1 : 0;
-    int opened = 0;
-    bool full = false;
-    walkDataSets(path, [&](const std::string& found) {
-        if (documents_.size() >= kMaxDocuments) {
-            full = true;
-            return false;
-        }
-        Message failure;
-        if (auto doc =
-                readDocument(found, preferences_, failure, readerTable(), automaticScripts_)) {
-            runOpeningScripts(addDocument(std::move(doc)));
-            ++opened;
-        } else {
-            platform_.messageBox(failure.caption, failure.text);
-        }
-        return true;
-    });
-    if (full) platform_.messageBox(kTooManyCaption, kTooManyText);
-    if (opened == 0 && !full)
-        platform_.messageBox(kNothingRecognisedCaption, kNothingRecognisedText);
-    return opened;
+    const FolderOpening result = openDataSetsIn(
+        path, [this] { return documents_.size(); },
+        [this](const std::string& found) { return readAndAdd(found); });
+    reportFolderOpening(platform_, result);
+    return result.opened;
 }
 
 bool Application::reload(SpectrumDocument& document, bool clearProcessedChoice) {

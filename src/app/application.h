@@ -56,6 +56,11 @@ public:
         logListener_ = std::move(listener);
     }
 
+    // Called when a script changed what a document's window shows.
+    void setRedrawListener(std::function<void(SpectrumDocument&)> listener) {
+        redrawListener_ = std::move(listener);
+    }
+
     // What draws pictures of documents (the program sets it where it links the renderer).
     using PictureWriter = std::function<bool(const SpectrumDocument&, const std::string& path,
                                              std::string_view type)>;
@@ -83,12 +88,17 @@ public:
                      std::string_view type) override {
         return pictureWriter_ && pictureWriter_(document, path, type);
     }
+    void redraw(SpectrumDocument& document) override {
+        if (redrawListener_) redrawListener_(document);
+    }
     PeakPickingOptions peakPickingOptions() override;
     int peakPickingMinimum() override;
 
 private:
     PictureWriter pictureWriter_;
     bool openOne(const std::string& path);
+    // Reads the data set into a new front document; failures are shown.
+    bool readAndAdd(const std::string& path);
     // The new front document, just read: runs what its opening asks for.
     void runOpeningScripts(SpectrumDocument& document);
 
@@ -99,6 +109,7 @@ private:
     std::vector<std::unique_ptr<SpectrumDocument>> documents_;
     std::unique_ptr<ScriptHost> host_;
     std::function<void(std::string_view)> logListener_;
+    std::function<void(SpectrumDocument&)> redrawListener_;
     int untitled_ = 0;
     bool automaticScripts_ = false;
 };

@@ -146,4 +146,10 @@ OperationResult setPlotModeFromLetter(SpectrumDocument& doc, char letter) {
     return kRedraw;
 }
 
+OperationResult toggleDisplayFlag(SpectrumDocument& doc, uint32_t flag) {
+    mainPlot(doc).flags ^= flag;
+    doc.flags |= document_flags::kModified;
+    return kRedraw;
+}
+
 }  // namespace zolt

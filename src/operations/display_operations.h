@@ -54,4 +54,8 @@ void setCustomWorkflow(SpectrumDocument& doc, bool on);
 // white-washed, "A" arrayed, "B" chessboard, any other letter fast plot; either case.
 OperationResult setPlotModeFromLetter(SpectrumDocument& doc, char letter);
 
+// Switches one of the main plot's display flags (integral values or curves, peak frequencies,
+// peak labels); the document is marked as modified.
+OperationResult toggleDisplayFlag(SpectrumDocument& doc, uint32_t flag);
+
 }  // namespace zolt

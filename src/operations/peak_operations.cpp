@@ -122,4 +122,10 @@ std::vector<double> peakColumns(const SpectrumDocument& doc, size_t index) {
     }
 }
 
+OperationResult removePeaks(SpectrumDocument& doc) {
+    doc.peaks = {};
+    doc.flags |= document_flags::kModified;
+    return OperationResult{true, std::nullopt};
+}
+
 }  // namespace zolt

@@ -37,6 +37,9 @@ OperationResult runPeakPicker(SpectrumDocument& doc, const PeakPickingOptions& s
 OperationResult pickAllPeaks(SpectrumDocument& doc, const PeakPickingOptions& stored,
                              int pickingMinimum);
 
+// Empties the peak lists (View > Remove Frequencies); the document is marked as modified.
+OperationResult removePeaks(SpectrumDocument& doc);
+
 // The 1-D table with the width at half height of every peak (the header doubled).
 std::string peakTableTextWithWidths(SpectrumDocument& doc, bool commaSeparated);
 

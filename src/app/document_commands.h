@@ -1,0 +1,29 @@
+// The front document's share of the command table: the commands it takes, run through the same
+// operations as their script twins, and what it enables and checks when a menu opens.
+#pragma once
+
+#include <vector>
+
+#include "app/application.h"
+#include "app/menu_enabling.h"
+#include "operations/operation_result.h"
+
+namespace zolt {
+
+struct DocumentCommand {
+    bool handled = false;  // the document takes the command; otherwise the frame goes on
+    OperationResult result;
+};
+
+// The document-level commands that need no window (data, display, integrals, peaks, saving,
+// clipboard tables). Messages are shown by the caller; the clipboard copies beep here.
+DocumentCommand runDocumentCommand(Application& app, SpectrumDocument& doc, int id);
+
+// What the document enables and checks in a menu, for the commands above.
+std::vector<ItemState> documentMenuItems(Menu menu, const SpectrumDocument& doc);
+
+// Revert to Saved: the document read again from its document file; false when it has none or
+// it cannot be read (the message is shown).
+bool revertToSaved(Application& app, SpectrumDocument& doc);
+
+}  // namespace zolt
