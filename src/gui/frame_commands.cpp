@@ -103,6 +103,11 @@ void MainWindow::runScriptEntry(int index) {
     const QList<QAction*> entries = scriptsMenu_->actions();
     if (index < 0 || index >= entries.size()) return;
     app_.scriptHost().runScript(entries[index]->text().toStdString());
+    scriptsRan();
+}
+
+void MainWindow::scriptsRan() {
+    showDocuments();
     for (auto& [doc, window] : windows_) window->documentChanged();
 }
 

@@ -8,6 +8,7 @@
 
 #include "app/application.h"
 #include "gui/document_window.h"
+#include "gui/console_window.h"
 #include "gui/main_window.h"
 
 namespace zolt {
@@ -86,6 +87,7 @@ FrameState MainWindow::frameState() const {
     s.frontDocument = frontWindow() != nullptr;
     s.focusWidget = QApplication::focusWidget() != nullptr;
     s.synchronisation = synchronisation_;
+    s.consoleShown = console_ && console_->isVisible();
     return s;
 }
 

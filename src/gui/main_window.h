@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QMainWindow>
+#include <QPointer>
 #include <functional>
 #include <map>
 #include <set>
@@ -18,6 +19,7 @@ class QMenu;
 namespace zolt {
 
 class Application;
+class ConsoleWindow;
 class DocumentWindow;
 class SettingsStore;
 struct SpectrumDocument;
@@ -39,6 +41,9 @@ public:
     // Gives a window to every document without one: after scripts run from elsewhere (the
     // console) opened documents.
     void showDocuments();
+    // After scripts ran (a Scripts entry, the console): windows for the documents they opened,
+    // every window redrawn.
+    void scriptsRan();
 
     // The action of a table row (the first of a range); nullptr for an identifier not built.
     QAction* action(int id) const;
@@ -78,6 +83,7 @@ private:
     void toggleFlag(uint32_t bit);
     // frame_dialogs.cpp: the dialogs and boxes the frame opens.
     bool frameDialog(int id);
+    void toggleConsole();
 
     // main_window.cpp
     void closeWindow(DocumentWindow* window);
@@ -94,6 +100,8 @@ private:
     QMenu* recentMenu_ = nullptr;
     QMenu* scriptsMenu_ = nullptr;
     int synchronisation_ = 0;
+    // Created on first demand, hidden rather than destroyed when toggled off.
+    QPointer<ConsoleWindow> console_;
 };
 
 // False for a dialog command whose dialog is not part of the program yet: its row stays
