@@ -1,6 +1,7 @@
 #include "gui/printing.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QPageSetupDialog>
@@ -58,6 +59,12 @@ PrintHeader printHeader(const SpectrumDocument& doc, const Preferences& prefs) {
     return h;
 }
 
+QString proposedPdfPath(const SpectrumDocument& doc) {
+    const QFileInfo data(documentFile(doc));
+    if (data.fileName().isEmpty()) return QDir::home().filePath(QStringLiteral("page.pdf"));
+    return data.absoluteDir().filePath(data.completeBaseName() + QStringLiteral(".pdf"));
+}
+
 bool printPage(const SpectrumDocument& doc, const Preferences& prefs, QPrinter& printer) {
     QPainter p;
     if (!p.begin(&printer)) return false;
@@ -95,12 +102,9 @@ bool printDocument(const SpectrumDocument& doc, const Preferences& prefs, QPrint
                    QWidget* parent) {
     printer.setDocName(QString::fromStdString(doc.windowName));
     if (QPrinterInfo::availablePrinters().isEmpty()) {
-        const QFileInfo data(documentFile(doc));
-        const QString proposed =
-            (data.filePath().isEmpty() ? QString() : data.absolutePath() + '/') +
-            QString::fromStdString(doc.windowName.empty() ? "page" : doc.windowName) + ".pdf";
-        const QString file = QFileDialog::getSaveFileName(parent, QObject::tr("Print to PDF"),
-                                                          proposed, QStringLiteral("PDF (*.pdf)"));
+        const QString file =
+            QFileDialog::getSaveFileName(parent, QStringLiteral("Print to PDF"),
+                                         proposedPdfPath(doc), QStringLiteral("PDF (*.pdf)"));
         if (file.isEmpty()) return false;
         printer.setOutputFormat(QPrinter::PdfFormat);
         printer.setOutputFileName(file);

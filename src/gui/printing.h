@@ -19,6 +19,11 @@ struct PrintHeader {
 };
 PrintHeader printHeader(const SpectrumDocument& doc, const Preferences& prefs);
 
+// Where a page printed without a printer goes unless the user says otherwise: beside the
+// document's file, or its raw data when it was never saved ("fid" gives "fid.pdf"); in the home
+// folder for a document of neither.
+QString proposedPdfPath(const SpectrumDocument& doc);
+
 // Draws the page on the printer's printable area: the header band on top, then the plot scaled
 // to the rest; PrintFrame draws a frame around the plot, PrintDashedLines draws the frame and the
 // header's rule dashed. False when the printer cannot be started.

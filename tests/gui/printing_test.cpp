@@ -1,6 +1,7 @@
 // The printed page: the plot as vector paths, the header the Print preferences ask for.
 #include "gui/printing.h"
 
+#include <QDir>
 #include <QFile>
 #include <QMap>
 #include <QRegularExpression>
@@ -93,6 +94,15 @@ private slots:
         QCOMPARE(decorated.texts.filter(date).size(), 1);
         QVERIFY(QString::fromLatin1(decorated.drawing).contains(dashes));
         QVERIFY(decorated.drawing.count(" l\n") > 1000);
+    }
+
+    void withoutPrinterThePdfGoesBesideTheData() {
+        SpectrumDocument doc;
+        QCOMPARE(proposedPdfPath(doc), QDir::home().filePath("page.pdf"));
+        doc.source.rawPath = "/data/aspirin/1/fid";
+        QCOMPARE(proposedPdfPath(doc), "/data/aspirin/1/fid.pdf");
+        doc.documentPath = "/data/saved/aspirin.v2.zolt";
+        QCOMPARE(proposedPdfPath(doc), "/data/saved/aspirin.v2.pdf");
     }
 };
 
