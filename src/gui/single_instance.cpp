@@ -55,7 +55,7 @@ std::optional<QStringList> decodeHandOff(const QByteArray& bytes, bool* damaged)
 SingleInstance::SingleInstance(const QString& name) : server_(new QLocalServer(this)) {
     // Only the same user reaches the server.
     server_->setSocketOptions(QLocalServer::UserAccessOption);
-    if (!server_->listen(name)) {
+    if (!server_->listen(name) && server_->serverError() == QAbstractSocket::AddressInUseError) {
         QLocalServer::removeServer(name);
         server_->listen(name);
     }
