@@ -34,6 +34,8 @@ std::string testSource(const std::string& relative);
 // The zolt-cli program built beside the tests. Defined only in the test programs of the folders
 // that CMakeLists.txt lists as running it: those are built after it.
 std::string cliPath();
+// The desktop program zolt, likewise defined only in the desktop program's tests.
+std::string guiPath();
 // A fresh empty folder under the system's temporary folder, removed when the program ends.
 std::string freshTempDir(const std::string& tag);
 std::string readFile(const std::string& path);

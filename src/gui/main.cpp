@@ -2,8 +2,13 @@
 #include <QApplication>
 
 #include "gui/main_window.h"
+#include "gui/single_instance.h"
 
 int main(int argc, char** argv) {
     QApplication qapp(argc, argv);
+    // A second start hands its files to the first and shows nothing.
+    std::unique_ptr<zolt::SingleInstance> instance =
+        zolt::SingleInstance::claim(qapp.arguments().mid(1));
+    if (!instance) return 0;
     return zolt::runDesktop(qapp);
 }
