@@ -9,6 +9,7 @@
 #include "gui/main_window.h"
 #include "gui/phase_dialog.h"
 #include "gui/plot_view.h"
+#include "gui/printing.h"
 #include "gui/settings_dialog.h"
 #include "gui/timer_dialog.h"
 
@@ -56,15 +57,20 @@ void showTimer(MainWindow& frame) { TimerDialog(frame.application(), &frame).exe
 
 void showAbout(MainWindow& frame) { showAboutBox(&frame); }
 
-void showPageSetup(MainWindow&) {}
-void print(MainWindow&) {}
 
 }  // namespace
 
-// The palette, page setup and printing are not part of the program yet.
+// The palette is not part of the program yet.
 bool frameDialogReady(int id) {
-    return !isFrameDialog(id) || (id != kPalette && id != kPageSetup && id != kPrint);
+    return !isFrameDialog(id) || id != kPalette;
 }
+
+void MainWindow::print() {
+    if (SpectrumDocument* doc = app_.frontDocument())
+        printDocument(*doc, app_.preferences(), printer_, this);
+}
+
+void MainWindow::pageSetup() { zolt::pageSetup(printer_, this); }
 
 // Shown and hidden, never closed here: closing the console ends the script host with it.
 void MainWindow::toggleConsole() {
@@ -102,10 +108,10 @@ bool MainWindow::frameDialog(int id) {
             showAbout(*this);
             return true;
         case kPageSetup:
-            showPageSetup(*this);
+            pageSetup();
             return true;
         case kPrint:
-            print(*this);
+            print();
             return true;
         default:
             return false;

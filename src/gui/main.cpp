@@ -10,5 +10,5 @@ int main(int argc, char** argv) {
     std::unique_ptr<zolt::SingleInstance> instance =
         zolt::SingleInstance::claim(qapp.arguments().mid(1));
     if (!instance) return 0;
-    return zolt::runDesktop(qapp);
+    return zolt::runDesktop(qapp, std::move(instance));
 }

@@ -1,4 +1,6 @@
 #include "gui/main_window.h"
+#include "gui/qt_platform.h"
+#include "gui/single_instance.h"
 
 #include <QCloseEvent>
 #include <QDir>
@@ -12,7 +14,6 @@
 
 #include "app/application.h"
 #include "app/automatic_processing.h"
-#include "app/headless_platform.h"
 #include "app/quit_prompt.h"
 #include "gui/document_window.h"
 #include "gui/plot_view.h"
@@ -133,15 +134,23 @@ void MainWindow::dropEvent(QDropEvent* event) {
     openPath(urls.front().toLocalFile());
 }
 
-int runDesktop(QApplication& qapp) {
+int runDesktop(QApplication& qapp, std::unique_ptr<SingleInstance> instance) {
     QtSettingsStore settings;
-    HeadlessPlatform platform;
+    QtPlatform platform;
     Application app(platform, loadPreferences(settings, ensureStartupScript));
     app.setSettingsStore(&settings);
     app.setAutomaticScripts(true);
     app.setPictureWriter([](const SpectrumDocument& doc, const std::string& path,
                             std::string_view type) { return writePicture(doc, path, type); });
     MainWindow frame(app, &settings);
+    platform.setParent(&frame);
+    QObject::connect(instance.get(), &SingleInstance::filesReceived, &frame,
+                     [&frame](const QStringList& paths) {
+                         for (const QString& path : paths) frame.openPath(path);
+                         if (frame.isMinimized()) frame.showNormal();
+                         frame.raise();
+                         frame.activateWindow();
+                     });
     frame.show();
     for (int i = 1; i < qapp.arguments().size(); ++i) frame.openPath(qapp.arguments()[i]);
     return qapp.exec();

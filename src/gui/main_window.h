@@ -5,8 +5,10 @@
 #include <QApplication>
 #include <QMainWindow>
 #include <QPointer>
+#include <QPrinter>
 #include <functional>
 #include <map>
+#include <memory>
 #include <set>
 
 #include "app/command_table.h"
@@ -22,6 +24,7 @@ class Application;
 class ConsoleWindow;
 class DocumentWindow;
 class SettingsStore;
+class SingleInstance;
 struct SpectrumDocument;
 
 class MainWindow : public QMainWindow {
@@ -84,6 +87,8 @@ private:
     // frame_dialogs.cpp: the dialogs and boxes the frame opens.
     bool frameDialog(int id);
     void toggleConsole();
+    void print();
+    void pageSetup();
 
     // main_window.cpp
     void closeWindow(DocumentWindow* window);
@@ -102,13 +107,16 @@ private:
     int synchronisation_ = 0;
     // Created on first demand, hidden rather than destroyed when toggled off.
     QPointer<ConsoleWindow> console_;
+    // Page Setup's choices carry over to Print.
+    QPrinter printer_{QPrinter::HighResolution};
 };
 
 // False for a dialog command whose dialog is not part of the program yet: its row stays
 // disabled.
 bool frameDialogReady(int id);
 
-// Start-up of the desktop program; returns the exit code.
-int runDesktop(QApplication& qapp);
+// Start-up of the desktop program, as the first instance listening for later starts' files;
+// returns the exit code.
+int runDesktop(QApplication& qapp, std::unique_ptr<SingleInstance> instance);
 
 }  // namespace zolt
