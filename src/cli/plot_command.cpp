@@ -80,8 +80,11 @@ int runPlotCommand(int argc, char** argv, const std::vector<std::string>& args, 
     QtSettingsStore settings;
     Application app(platform, headlessPreferences(settings, options->automatic));
     useHeadlessSettings(app, settings, options->automatic);
-    app.setPictureWriter([](const SpectrumDocument& d, const std::string& path,
-                            std::string_view type) { return writePicture(d, path, type); });
+    const RenderStyle style{app.preferences().optionBytes[4]};
+    app.setPictureWriter(
+        [style](const SpectrumDocument& d, const std::string& path, std::string_view type) {
+            return writePicture(d, path, type, {}, style);
+        });
     if (app.open(options->path) == 0 || !app.frontDocument()) return 1;
     SpectrumDocument& doc = *app.frontDocument();
     if (options->width) setClientSize(doc, {options->width, options->height});
@@ -95,7 +98,7 @@ int runPlotCommand(int argc, char** argv, const std::vector<std::string>& args, 
     // The chunks may have closed it or brought another to the front.
     SpectrumDocument* front = app.frontDocument();
     if (!front) return 1;
-    if (!writePicture(*front, options->out, "")) {
+    if (!writePicture(*front, options->out, "", {}, style)) {
         err << "zolt-cli plot: cannot write " << options->out << '\n';
         status = 1;
     }

@@ -5,6 +5,7 @@
 
 #include "display/window_resize.h"
 #include "plot/map_plot.h"
+#include "plot/map_projections.h"
 #include "plot/trace_plot.h"
 
 namespace zolt {
@@ -17,21 +18,19 @@ double hzPerPpm(const PageRecord& page, const SpectrumMatrix& m, int f) {
     return page.scaleUnit == ScaleUnit::Hz && f >= 1 && f <= 3 ? m.dims[f].carrier : 0.0;
 }
 
-PlotFrame frameOf(const PageRecord& page, const DisplayParameters& plot, const SpectrumMatrix& m) {
+PlotFrame frameOf(const PageRecord& page, const DisplayParameters& plot, const SpectrumMatrix& m,
+                  const RenderStyle& style) {
     PlotFrame f;
     f.box = QRectF(plot.box[0], plot.box[1], plot.box[2], plot.box[3]);
-    f.data = f.box;
-    // A 1-D box reaches the bottom of the window: its scale is drawn inside it.
-    if (!plot.hasVertical && (plot.flags & display_flags::kXAxis))
-        f.data.setBottom(std::max(f.box.top() + 1, f.box.bottom() - kTraceScaleBand));
+    f.data = plotDataRect(plot);
     f.x = mapAxis(plot.horizontal, f.data.left(), f.data.right(), true);
     if (plot.hasVertical) f.y = mapAxis(plot.vertical, f.data.top(), f.data.bottom(), false);
     f.xHzPerPpm = hzPerPpm(page, m, plot.horizontal.fIndex);
     if (plot.hasVertical) f.yHzPerPpm = hzPerPpm(page, m, plot.vertical.fIndex);
     f.color1 = pageColor(page.color1);
     f.color2 = pageColor(page.color2);
-    f.font = QFont(QString::fromStdString(page.fontName), page.fontSize > 0 ? page.fontSize : 10);
-    f.font.setPixelSize(std::max<int>(page.fontSize, 6) + 2);
+    f.font = pageFont(page);
+    f.palette = style.palette;
     return f;
 }
 
@@ -45,7 +44,28 @@ void drawTitle(QPainter& p, const SpectrumDocument& doc, const PlotFrame& f) {
 
 }  // namespace
 
-void renderPage(const SpectrumDocument& doc, QPainter& p, QSize size) {
+QRectF plotDataRect(const DisplayParameters& plot) {
+    const QRectF box(plot.box[0], plot.box[1], plot.box[2], plot.box[3]);
+    QRectF data = box;
+    // A 1-D box reaches the bottom of the window: its scale is drawn inside it.
+    if (!plot.hasVertical && (plot.flags & display_flags::kXAxis))
+        data.setBottom(std::max(box.top() + 1, box.bottom() - kTraceScaleBand));
+    if (showsProjections(plot)) {
+        data.setTop(box.top() + projectionBand(box.height()));
+        data.setRight(box.right() - projectionBand(box.width()));
+    }
+    return data;
+}
+
+QFont pageFont(const PageRecord& page) {
+    QFont font(
+        QString::fromStdString(page.fontName.empty() ? PageRecord{}.fontName : page.fontName));
+    font.setStyleHint(QFont::SansSerif);
+    font.setPixelSize(std::max<int>(page.fontSize, 6) + 2);
+    return font;
+}
+
+void renderPage(const SpectrumDocument& doc, QPainter& p, QSize size, const RenderStyle& style) {
     PageRecord page = doc.page;
     if (page.pageWidth && page.pageHeight)
         followResize(page, page.pageWidth, page.pageHeight, size.width(), size.height());
@@ -59,7 +79,7 @@ void renderPage(const SpectrumDocument& doc, QPainter& p, QSize size) {
             return std::isfinite(v) && std::fabs(v) <= kLargestBoxPixels;
         });
         if (!sane) continue;
-        const PlotFrame f = frameOf(page, plot, doc.matrix);
+        const PlotFrame f = frameOf(page, plot, doc.matrix, style);
         if (f.x.empty() || (plot.hasVertical && f.y.empty())) continue;
         p.setFont(f.font);
         if (i > 0) {

@@ -20,6 +20,7 @@ struct PlotFrame {
     double xHzPerPpm = 0.0, yHzPerPpm = 0.0;
     QColor color1, color2;
     QFont font;
+    int palette = 1;
 };
 
 inline QColor pageColor(const std::array<uint16_t, 3>& rgb) {

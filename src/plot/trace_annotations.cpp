@@ -61,6 +61,21 @@ std::vector<double> spreadLabels(const std::vector<double>& wanted, double gap) 
 
 }  // namespace
 
+double peakLabelBand(const QPainter& p, const SpectrumDocument& doc, const DisplayParameters& plot,
+                     const PlotFrame& f) {
+    const bool text = plot.flags & display_flags::kFrequencies;
+    if (!text && !(plot.flags & display_flags::kLabels)) return 0.0;
+    const QFontMetricsF metrics(p.font());
+    double longest = -1.0;
+    for (float ppm : doc.peaks.oneD)
+        if (segmentHolding(f.x, ppm))
+            longest =
+                std::max(longest, text ? metrics.horizontalAdvance(peakText(doc, plot, ppm)) : 0.0);
+    if (longest < 0.0) return 0.0;
+    // The leader's knee and the gaps above and below the text.
+    return std::min(longest + 8 * kLabelGap, 0.4 * f.data.height());
+}
+
 void drawPeakLabels(QPainter& p, const SpectrumDocument& doc, const DisplayParameters& plot,
                     const PlotFrame& f, const IntensityMap& im) {
     const bool text = plot.flags & display_flags::kFrequencies;

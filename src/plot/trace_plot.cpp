@@ -61,8 +61,10 @@ std::vector<ColumnExtremes> segmentColumns(const SpectrumMatrix& m, const Segmen
 
 void drawTracePlot(QPainter& p, const SpectrumDocument& doc, const DisplayParameters& plot,
                    const PlotFrame& f) {
-    const IntensityMap im = intensityMap(plot, f.data);
     p.save();
+    // The trace keeps below its peak labels, as on a spectrometer's plot.
+    const IntensityMap im =
+        intensityMap(plot, f.data.adjusted(0, peakLabelBand(p, doc, plot, f), 0, 0));
     p.setClipRect(f.box);
     p.setPen(QPen(f.color1, 0));
     if (plot.flags & display_flags::kXAxis) drawHorizontalScale(p, f, plot.flags);

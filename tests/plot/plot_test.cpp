@@ -78,9 +78,10 @@ TEST(Plot, ContoursCloseAroundPickedHsqcPeaks) {
                                          kWholeSpectrum, options);
     ASSERT_GE(picked.peaks.size(), 3u);
     const QImage im = render(*doc);
-    const QRect data = QRectF(plot.box[0], plot.box[1], plot.box[2], plot.box[3]).toRect();
-    const SegmentMap sx = mapAxis(plot.horizontal, data.left(), data.right(), true).at(0);
-    const SegmentMap sy = mapAxis(plot.vertical, data.top(), data.bottom(), false).at(0);
+    const QRectF dataF = plotDataRect(plot);
+    const QRect data = dataF.toRect();
+    const SegmentMap sx = mapAxis(plot.horizontal, dataF.left(), dataF.right(), true).at(0);
+    const SegmentMap sy = mapAxis(plot.vertical, dataF.top(), dataF.bottom(), false).at(0);
     for (size_t k = 0; k < std::min<size_t>(picked.peaks.size(), 6); ++k) {
         const QPoint start(int(sx.pixel(picked.peaks[k][0])), int(sy.pixel(picked.peaks[k][1])));
         SCOPED_TRACE(k);
