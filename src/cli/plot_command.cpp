@@ -42,6 +42,8 @@ std::optional<PlotOptions> parsePlotArguments(const std::vector<std::string>& ar
             o.help = true;
         } else if (a == "--auto") {
             o.automatic = true;
+        } else if (a == "--processed") {
+            o.processed = true;
         } else if (a == "-e" || a == "--out" || a == "--size" || a == "--levels") {
             if (last) return std::nullopt;
             const std::string& v = args[++i];
@@ -80,6 +82,7 @@ int runPlotCommand(int argc, char** argv, const std::vector<std::string>& args, 
     QtSettingsStore settings;
     Application app(platform, headlessPreferences(settings, options->automatic));
     useHeadlessSettings(app, settings, options->automatic);
+    if (options->processed) app.preferences().flags |= pref_flags::kReadProcessedData;
     const RenderStyle style{app.preferences().optionBytes[4]};
     app.setPictureWriter(
         [style](const SpectrumDocument& d, const std::string& path, std::string_view type) {

@@ -115,11 +115,14 @@ void drawProjections(QPainter& p, const Plane& pl, const DisplayParameters& plot
     whole.lastColumn = pl.x->points;
     const Skylines sky = skylines(whole, r0, r1, c0, c1, positive, negative);
     const std::vector<float>&across = sky.horizontal, &down = sky.vertical;
-    const double top = f.data.top() - f.box.top(), right = f.box.right() - f.data.right();
+    // The title keeps its line above the horizontal projection.
+    const double top = f.data.top() - f.box.top() - f.titleRoom;
+    const double right = f.box.right() - f.data.right();
     p.save();
     p.setPen(QPen(f.color1, 0));
     if (top > kBandGap) {
-        p.setClipRect(QRectF(f.data.left(), f.box.top(), f.data.width(), top - kBandGap));
+        p.setClipRect(
+            QRectF(f.data.left(), f.box.top() + f.titleRoom, f.data.width(), top - kBandGap));
         const double scale = perPixel(plot.horizontalProjection, tallest(across, c0, c1), top);
         drawSkyline(p, across, *pl.x, f.x, true, f.data.top() - kBandGap, scale);
     }

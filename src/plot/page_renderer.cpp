@@ -1,5 +1,6 @@
 #include "plot/page_renderer.h"
 
+#include <QFontMetricsF>
 #include <algorithm>
 #include <cmath>
 
@@ -34,8 +35,12 @@ PlotFrame frameOf(const PageRecord& page, const DisplayParameters& plot, const S
     return f;
 }
 
+const std::string& titleOf(const SpectrumDocument& doc) {
+    return doc.metadata.title.empty() ? doc.windowName : doc.metadata.title;
+}
+
 void drawTitle(QPainter& p, const SpectrumDocument& doc, const PlotFrame& f) {
-    const std::string& title = doc.metadata.title.empty() ? doc.windowName : doc.metadata.title;
+    const std::string& title = titleOf(doc);
     if (title.empty()) return;
     p.setPen(QPen(f.color1, 0));
     p.drawText(f.box.adjusted(4, 2, -4, 0), Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine,
@@ -79,7 +84,8 @@ void renderPage(const SpectrumDocument& doc, QPainter& p, QSize size, const Rend
             return std::isfinite(v) && std::fabs(v) <= kLargestBoxPixels;
         });
         if (!sane) continue;
-        const PlotFrame f = frameOf(page, plot, doc.matrix, style);
+        PlotFrame f = frameOf(page, plot, doc.matrix, style);
+        if (i == 0 && !titleOf(doc).empty()) f.titleRoom = QFontMetricsF(f.font).height() + 4;
         if (f.x.empty() || (plot.hasVertical && f.y.empty())) continue;
         p.setFont(f.font);
         if (i > 0) {

@@ -21,6 +21,7 @@ struct PlotFrame {
     QColor color1, color2;
     QFont font;
     int palette = 1;
+    double titleRoom = 0.0;  // the height the page's title takes at the top of the box
 };
 
 inline QColor pageColor(const std::array<uint16_t, 3>& rgb) {
