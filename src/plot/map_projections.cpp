@@ -85,20 +85,30 @@ Skylines skylines(const GridWindow& g, size_t firstRow, size_t lastRow, size_t f
                   size_t lastColumn, bool positive, bool negative) {
     Skylines sky;
     if (!g.data || g.lastRow < g.firstRow || g.lastColumn < g.firstColumn) return sky;
+    if (g.columnsContiguous()) {
+        sky = skylines(g.transposed(), firstColumn, lastColumn, firstRow, lastRow, positive,
+                       negative);
+        std::swap(sky.horizontal, sky.vertical);
+        return sky;
+    }
     sky.horizontal.assign(g.lastColumn - g.firstColumn, 0.0f);
     sky.vertical.assign(g.lastRow - g.firstRow, 0.0f);
     const float sp = positive ? 1.0f : 0.0f, sn = negative ? -1.0f : 0.0f;
-    // One pass in the order of the rows in memory for both.
+    // Row by row in simple loops the compiler vectorizes.
+    std::vector<float> row(sky.horizontal.size());
+    const size_t c0 = std::clamp(firstColumn, g.firstColumn, g.lastColumn) - g.firstColumn;
+    const size_t c1 = std::clamp(lastColumn, g.firstColumn, g.lastColumn) - g.firstColumn;
     for (size_t r = g.firstRow; r < g.lastRow; ++r) {
-        const bool rowShown = r >= firstRow && r < lastRow;
-        float& rowTop = sky.vertical[r - g.firstRow];
-        for (size_t c = g.firstColumn; c < g.lastColumn; ++c) {
-            const float v = g.value(r, c);
-            const float h = std::max(sp * v, sn * v);
-            float& columnTop = sky.horizontal[c - g.firstColumn];
-            if (rowShown && h > columnTop) columnTop = h;
-            if (c >= firstColumn && c < lastColumn && h > rowTop) rowTop = h;
+        for (size_t k = 0; k < row.size(); ++k) {
+            const float v = g.value(r, g.firstColumn + k);
+            row[k] = std::max(sp * v, sn * v);
         }
+        if (r >= firstRow && r < lastRow)
+            for (size_t k = 0; k < row.size(); ++k)
+                sky.horizontal[k] = std::max(sky.horizontal[k], row[k]);
+        float top = 0.0f;
+        for (size_t k = c0; k < c1; ++k) top = std::max(top, row[k]);
+        sky.vertical[r - g.firstRow] = top;
     }
     return sky;
 }

@@ -1,5 +1,6 @@
 #include "plot/picture_output.h"
 
+#include <QFile>
 #include <QImage>
 #include <QPageSize>
 #include <QPdfWriter>
@@ -10,6 +11,7 @@
 
 #include "model/display_record.h"
 #include "plot/page_renderer.h"
+#include "plot/png_encoding.h"
 
 namespace zolt {
 
@@ -27,7 +29,9 @@ bool writeImage(const SpectrumDocument& doc, const QString& path, QSize size, co
     QPainter p(&image);
     renderPage(doc, p, size, style);
     p.end();
-    return image.save(path, format);
+    if (std::string_view(format) != "PNG") return image.save(path, format);
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(encodePng(image)) >= 0;
 }
 
 bool writePdf(const SpectrumDocument& doc, const QString& path, QSize size,
