@@ -101,7 +101,8 @@ void drawPeakLabels(QPainter& p, const SpectrumDocument& doc, const DisplayParam
             const double x = s.pixel(ppm);
             const auto c = static_cast<size_t>(
                 std::clamp(x - std::floor(s.pixelA), 0.0, double(columns.size() - 1)));
-            const double top = std::max(f.box.top(), im.y(columns[c].high)) - kLabelGap;
+            // A trace amplified beyond the top is cut off at the top of the intensity map.
+            const double top = std::max(im.yBottom - im.height, im.y(columns[c].high)) - kLabelGap;
             labels.push_back({x, top, peakText(doc, plot, ppm)});
             wanted.push_back(x);
             longest = std::max(longest, metrics.horizontalAdvance(labels.back().text));
