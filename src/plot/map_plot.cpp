@@ -119,8 +119,9 @@ void drawFastPlot(QPainter& p, const Plane& pl, const DisplayParameters& plot, c
 void drawMapPlot(QPainter& p, const SpectrumDocument& doc, const DisplayParameters& plot,
                  const PlotFrame& f) {
     p.save();
-    if (const auto plane = shownPlane(doc.matrix)) {
-        if (plot.plotMode() == PlotMode::Fast)
+    if (const auto plane = shownPlane(doc.matrix, plot.zeta)) {
+        // The unnamed mode 7 is read as a fast plot.
+        if (plot.plotMode() == PlotMode::Fast || int(plot.plotMode()) == 7)
             drawFastPlot(p, *plane, plot, f);
         else if (plot.plotMode() == PlotMode::Arrayed)
             drawArrayed(p, *plane, doc.matrix, f);

@@ -73,7 +73,7 @@ bool showsProjections(const DisplayParameters& plot) {
         case PlotMode::Mosaic:
             return plot.hasVertical;
         default:
-            return false;
+            return int(plot.plotMode()) == 7 && plot.hasVertical;  // read as a fast plot
     }
 }
 

@@ -333,6 +333,29 @@ TEST(Plot, ChessboardAndFastPlotColourThePeaks) {
         EXPECT_EQ(render(*doc, {palette}).pixel(peak), paletteColour(palette, 255.0)) << palette;
 }
 
+// A 3-D matrix shows the plane nearest zeta along its third axis, clamped to the axis.
+TEST(Plot, ThreeDimensionsShowThePlaneAtZeta) {
+    SpectrumMatrix m;
+    m.dimensions = 3, m.xIndex = 3, m.yIndex = 2, m.zIndex = 1, m.contiguous = 3;
+    for (int f = 1; f <= 3; ++f) {
+        m.dims[size_t(f)].points = uint32_t(2 + f);
+        m.dims[size_t(f)].spectralWidth = 10.0f;
+        m.dims[size_t(f)].lowestPpm = 0.0f;
+    }
+    m.re.resize(m.pointCount());
+    for (size_t i = 0; i < m.re.size(); ++i) m.re[i] = float(i);
+    const DimensionRecord& z = m.dims[1];
+    for (const auto& [zeta, plane] : {std::pair{float(ppmOfPoint(z, 1)), 1},
+                                      {1e6f, 0},
+                                      {-1e6f, 2},
+                                      {float(ppmOfPoint(z, 1.6)), 2},
+                                      {NAN, 0}}) {
+        const auto pl = shownPlane(m, zeta);
+        ASSERT_TRUE(pl);
+        EXPECT_EQ(pl->grid.value(1, 2), float(plane * 20 + 1 * 5 + 2)) << zeta;
+    }
+}
+
 // The PNG written holds exactly the pixels drawn.
 TEST(Plot, PngHoldsThePixelsDrawn) {
     ensureGui();
