@@ -137,12 +137,17 @@ void drawMapPlot(QPainter& p, const SpectrumDocument& doc, const DisplayParamete
     p.setPen(QPen(f.color1, 0));
     p.setBrush(Qt::NoBrush);
     p.drawRect(f.data);
-    // Rows side by side or stacked have no common scale to show.
+    // Rows side by side have no common scale to show; a stack has one under its front row.
     const PlotMode mode = plot.plotMode();
-    const bool arrayed =
-        mode == PlotMode::Arrayed || mode == PlotMode::Stacked || mode == PlotMode::WhiteWashed;
-    if ((plot.flags & display_flags::kXAxis) && !arrayed) drawHorizontalScale(p, f, plot.flags);
-    if ((plot.flags & display_flags::kYAxis) && !arrayed) drawVerticalScale(p, f, plot.flags);
+    const bool stacked = mode == PlotMode::Stacked || mode == PlotMode::WhiteWashed;
+    const bool rows = stacked || mode == PlotMode::Arrayed;
+    if (plot.flags & display_flags::kXAxis) {
+        if (stacked)
+            drawHorizontalScale(p, stackFrontFrame(f), plot.flags);
+        else if (!rows)
+            drawHorizontalScale(p, f, plot.flags);
+    }
+    if ((plot.flags & display_flags::kYAxis) && !rows) drawVerticalScale(p, f, plot.flags);
     p.restore();
 }
 

@@ -86,6 +86,44 @@ void drawArrayed(QPainter& p, const Plane& pl, const SpectrumMatrix& m, const Pl
     p.restore();
 }
 
+// The largest scale at which every row of a stack, lifted by its depth, keeps within the
+// data (4 pixels from the edges), and the front row's zero line there: a row behind may dip
+// below its zero line into the room the rows in front leave.
+std::pair<double, double> stackScale(const Plane& pl, const Rows& rows, const QRectF& data,
+                                     double depthY, double steps) {
+    std::vector<double> low(rows.count, 0.0), high(rows.count, 0.0);
+    for (size_t k = 0; k < rows.count; ++k)
+        for (size_t c = 0; c < pl.x->points; ++c) {
+            const double v = pl.grid.value(k * rows.stride, c);
+            low[k] = std::min(low[k], v), high[k] = std::max(high[k], v);
+        }
+    const auto place = [&](double s) {  // the front zero, and whether the rows fit
+        double zero = INFINITY;
+        for (size_t k = 0; k < rows.count; ++k)
+            zero = std::min(zero, data.bottom() - 4 + low[k] * s + depthY * double(k) / steps);
+        bool fits = true;
+        for (size_t k = 0; k < rows.count; ++k)
+            fits = fits && zero - depthY * double(k) / steps - high[k] * s >= data.top() + 4;
+        return std::pair{zero, fits};
+    };
+    double fit = std::max(0.0, (data.height() - depthY - 8) / (rows.high - rows.low));
+    double beyond = std::max(fit, data.height() / (rows.high - rows.low)) * 2 + 1e-30;
+    for (int i = 0; i < 40 && place(fit).second; ++i) {
+        const double s = (fit + beyond) / 2;
+        (place(s).second ? fit : beyond) = s;
+    }
+    return {fit, place(fit).first};
+}
+
+PlotFrame stackFrontFrame(const PlotFrame& f) {
+    PlotFrame front = f;
+    if (f.x.empty()) return front;
+    const double columns = std::max(1, int(f.data.width() - kStackDepthX * f.data.width()));
+    front.x = {
+        SegmentMap{f.x.front().ppmA, f.x.back().ppmB, f.data.left(), f.data.left() + columns}};
+    return front;
+}
+
 void drawStacked(QPainter& p, const Plane& pl, const SpectrumMatrix& m, const PlotFrame& f,
                  bool whiteWashed) {
     if (f.x.empty()) return;
@@ -93,15 +131,15 @@ void drawStacked(QPainter& p, const Plane& pl, const SpectrumMatrix& m, const Pl
     const Rows rows = rowsOf(pl, m, kMostStackedRows);
     const double depthX = kStackDepthX * data.width(), depthY = kStackDepthY * data.height();
     const int columns = std::max(1, int(data.width() - depthX));
-    const double scale = (data.height() - depthY - 8) / (rows.high - rows.low);
     const double steps = std::max<double>(1.0, double(rows.count) - 1);
+    const auto [scale, frontZero] = stackScale(pl, rows, data, depthY, steps);
     p.save();
     p.setClipRect(f.data);
     p.setPen(QPen(f.color1, 0));
     // From the back, so that each row in front hides what it covers.
     for (size_t k = rows.count; k-- > 0;) {
         const double left = data.left() + depthX * double(k) / steps;
-        const double zero = data.bottom() - 4 + rows.low * scale - depthY * double(k) / steps;
+        const double zero = frontZero - depthY * double(k) / steps;
         QPolygonF line = rowLine(pl, f, k * rows.stride, left, columns, zero, scale);
         if (whiteWashed && !line.isEmpty()) {
             QPolygonF area = line;

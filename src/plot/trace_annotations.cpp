@@ -133,6 +133,10 @@ void drawPeakLabels(QPainter& p, const SpectrumDocument& doc, const DisplayParam
                 p.save();
                 p.translate(x + metrics.ascent() / 2 - 1, base);
                 p.rotate(-90);
+                // Integral curves passing behind a label leave it readable.
+                p.fillRect(QRectF(0, -metrics.ascent(), metrics.horizontalAdvance(l.text),
+                                  metrics.ascent() + metrics.descent()),
+                           Qt::white);
                 p.drawText(QPointF(0, 0), l.text);
                 p.restore();
             }
