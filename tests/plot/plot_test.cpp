@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <QByteArray>
+#include <QFontInfo>
+#include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QImage>
 #include <algorithm>
@@ -354,6 +356,21 @@ TEST(Plot, ThreeDimensionsShowThePlaneAtZeta) {
         ASSERT_TRUE(pl);
         EXPECT_EQ(pl->grid.value(1, 2), float(plane * 20 + 1 * 5 + 2)) << zeta;
     }
+}
+
+// The face the page names is asked for, a missing one drawn in an installed sans-serif face.
+TEST(Plot, PageFontNamesThePagesFaceAndFallsBack) {
+    ensureGui();
+    PageRecord page;
+    page.fontName = "No Such Face 4711";
+    page.fontSize = 9;
+    const QFont font = pageFont(page);
+    EXPECT_EQ(font.family(), "No Such Face 4711");
+    EXPECT_EQ(font.pixelSize(), 11);
+    EXPECT_FALSE(QFontInfo(font).family().isEmpty());
+    EXPECT_GT(QFontMetricsF(font).horizontalAdvance("7.26"), 10.0);
+    page.fontName.clear();
+    EXPECT_EQ(pageFont(page).family(), "Verdana");
 }
 
 // The PNG written holds exactly the pixels drawn.
