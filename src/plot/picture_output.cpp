@@ -25,7 +25,6 @@ std::string lower(std::string s) {
 bool writeImage(const SpectrumDocument& doc, const QString& path, QSize size, const char* format,
                 const RenderStyle& style) {
     QImage image(size, QImage::Format_RGB32);
-    image.fill(Qt::white);
     QPainter p(&image);
     renderPage(doc, p, size, style);
     p.end();
