@@ -119,7 +119,8 @@ void drawFastPlot(QPainter& p, const Plane& pl, const DisplayParameters& plot, c
 void drawMapPlot(QPainter& p, const SpectrumDocument& doc, const DisplayParameters& plot,
                  const PlotFrame& f) {
     p.save();
-    if (const auto plane = shownPlane(doc.matrix, plot.zeta)) {
+    const auto plane = shownPlane(doc.matrix, plot.zeta);
+    if (plane) {
         // The unnamed mode 7 is read as a fast plot.
         if (plot.plotMode() == PlotMode::Fast || int(plot.plotMode()) == 7)
             drawFastPlot(p, *plane, plot, f);
@@ -137,7 +138,8 @@ void drawMapPlot(QPainter& p, const SpectrumDocument& doc, const DisplayParamete
     p.setPen(QPen(f.color1, 0));
     p.setBrush(Qt::NoBrush);
     p.drawRect(f.data);
-    // Rows side by side have no common scale to show; a stack has one under its front row.
+    // Rows have no common vertical scale; the horizontal one stands under the front row of a
+    // stack and under the first of a series side by side.
     const PlotMode mode = plot.plotMode();
     const bool stacked = mode == PlotMode::Stacked || mode == PlotMode::WhiteWashed;
     const bool rows = stacked || mode == PlotMode::Arrayed;
@@ -146,6 +148,8 @@ void drawMapPlot(QPainter& p, const SpectrumDocument& doc, const DisplayParamete
             drawHorizontalScale(p, stackFrontFrame(f), plot.flags);
         else if (!rows)
             drawHorizontalScale(p, f, plot.flags);
+        else if (plane)
+            drawHorizontalScale(p, arrayedFirstFrame(*plane, f), plot.flags);
     }
     if ((plot.flags & display_flags::kYAxis) && !rows) drawVerticalScale(p, f, plot.flags);
     p.restore();

@@ -115,6 +115,18 @@ std::pair<double, double> stackScale(const Plane& pl, const Rows& rows, const QR
     return {fit, place(fit).first};
 }
 
+PlotFrame arrayedFirstFrame(const Plane& pl, const PlotFrame& f) {
+    PlotFrame first = f;
+    if (f.x.empty()) return first;
+    const size_t filled = filledRows(pl);
+    const size_t stride = (filled + kMostArrayedRows - 1) / kMostArrayedRows;
+    const double slot = f.data.width() / double((filled + stride - 1) / stride);
+    const double left = f.data.left() + 2;
+    first.x = {
+        SegmentMap{f.x.front().ppmA, f.x.back().ppmB, left, left + std::max(1, int(slot - 4))}};
+    return first;
+}
+
 PlotFrame stackFrontFrame(const PlotFrame& f) {
     PlotFrame front = f;
     if (f.x.empty()) return front;
