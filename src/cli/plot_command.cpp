@@ -42,6 +42,8 @@ std::optional<PlotOptions> parsePlotArguments(const std::vector<std::string>& ar
             o.help = true;
         } else if (a == "--auto") {
             o.automatic = true;
+        } else if (a == "--processed") {
+            o.processed = true;
         } else if (a == "-e" || a == "--out" || a == "--size" || a == "--levels") {
             if (last) return std::nullopt;
             const std::string& v = args[++i];
@@ -80,8 +82,12 @@ int runPlotCommand(int argc, char** argv, const std::vector<std::string>& args, 
     QtSettingsStore settings;
     Application app(platform, headlessPreferences(settings, options->automatic));
     useHeadlessSettings(app, settings, options->automatic);
-    app.setPictureWriter([](const SpectrumDocument& d, const std::string& path,
-                            std::string_view type) { return writePicture(d, path, type); });
+    if (options->processed) app.preferences().flags |= pref_flags::kReadProcessedData;
+    const RenderStyle style = renderStyle(app.preferences());
+    app.setPictureWriter(
+        [style](const SpectrumDocument& d, const std::string& path, std::string_view type) {
+            return writePicture(d, path, type, {}, style);
+        });
     if (app.open(options->path) == 0 || !app.frontDocument()) return 1;
     SpectrumDocument& doc = *app.frontDocument();
     if (options->width) setClientSize(doc, {options->width, options->height});
@@ -95,7 +101,7 @@ int runPlotCommand(int argc, char** argv, const std::vector<std::string>& args, 
     // The chunks may have closed it or brought another to the front.
     SpectrumDocument* front = app.frontDocument();
     if (!front) return 1;
-    if (!writePicture(*front, options->out, "")) {
+    if (!writePicture(*front, options->out, "", {}, style)) {
         err << "zolt-cli plot: cannot write " << options->out << '\n';
         status = 1;
     }

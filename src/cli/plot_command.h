@@ -9,7 +9,8 @@
 namespace zolt {
 
 inline constexpr const char* kPlotUsage =
-    "usage: zolt-cli plot [--auto] [-e CHUNK]... --out FILE [--size WxH] [--levels P,N] PATH\n"
+    "usage: zolt-cli plot [--auto] [-e CHUNK]... --out FILE [--size WxH] [--levels P,N]\n"
+    "                     [--processed] PATH\n"
     "\n"
     "Opens PATH, sets the size and the levels given, runs the chunks on it in the order given,\n"
     "and writes a picture of the front document's page to FILE: PNG, JPEG, PDF or SVG by its\n"
@@ -22,6 +23,7 @@ inline constexpr const char* kPlotUsage =
     "  --levels P,N  the numbers of positive and negative contour levels of the main plot\n"
     "              (0 ... 127 each), as the Levels & Colors dialog sets them\n"
     "  --auto      process newly read data with the start-up script first\n"
+    "  --processed open the processed data (pdata/1/1r, 2rr, 3rrr) where the folder has them\n"
     "\n"
     "Exit status: 0; 1 when the path could not be opened, a chunk failed or the picture could\n"
     "not be written; 2 for a malformed command line.\n";
@@ -33,6 +35,7 @@ struct PlotOptions {
     int positiveLevels = -1, negativeLevels = -1;  // -1: the document's own
     std::string path;
     bool automatic = false;
+    bool processed = false;
     bool help = false;
 };
 

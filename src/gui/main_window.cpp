@@ -140,8 +140,10 @@ int runDesktop(QApplication& qapp, std::unique_ptr<SingleInstance> instance) {
     Application app(platform, loadPreferences(settings, ensureStartupScript));
     app.setSettingsStore(&settings);
     app.setAutomaticScripts(true);
-    app.setPictureWriter([](const SpectrumDocument& doc, const std::string& path,
-                            std::string_view type) { return writePicture(doc, path, type); });
+    app.setPictureWriter([&app](const SpectrumDocument& doc, const std::string& path,
+                                std::string_view type) {
+        return writePicture(doc, path, type, {}, renderStyle(app.preferences()));
+    });
     MainWindow frame(app, &settings);
     platform.setParent(&frame);
     QObject::connect(instance.get(), &SingleInstance::filesReceived, &frame,

@@ -65,7 +65,7 @@ void PlotView::documentEdited() {
 void PlotView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), Qt::white);
-    renderPage(shownDocument(), painter, size());
+    renderPage(shownDocument(), painter, size(), renderStyle(app_.preferences()));
     paintOverlay(painter);
 }
 

@@ -88,7 +88,7 @@ bool printPage(const SpectrumDocument& doc, const Preferences& prefs, QPrinter& 
     p.translate(plot.topLeft());
     p.scale(scale, scale);
     p.setClipRect(QRect(QPoint(0, 0), logical));
-    renderPage(doc, p, logical);
+    renderPage(doc, p, logical, renderStyle(prefs));
     p.restore();
     if (prefs.has(pref_flags::kPrintFrame)) {
         p.setPen(outline);

@@ -17,7 +17,9 @@ struct Plane {
     const DimensionRecord* y = nullptr;
 };
 
-// Nothing when the matrix has no two axes of two points or more, or holds fewer points.
-std::optional<Plane> shownPlane(const SpectrumMatrix& m);
+// Nothing when the matrix has no two axes of two points or more, or holds fewer points. A
+// third axis of two points or more shows its plane nearest zeta (ppm); without one the matrix'
+// own plane offset holds.
+std::optional<Plane> shownPlane(const SpectrumMatrix& m, float zeta = 0.0f);
 
 }  // namespace zolt

@@ -6,8 +6,11 @@
 #include <tuple>
 
 #include "display/vertical_scale.h"
+#include "plot/chessboard.h"
 #include "plot/map_plane.h"
+#include "plot/map_projections.h"
 #include "plot/marching_squares.h"
+#include "plot/palettes.h"
 #include "plot/row_plots.h"
 #include "plot/scale_drawing.h"
 #include "plot/trace_annotations.h"
@@ -85,14 +88,6 @@ void drawContours(QPainter& p, const Plane& pl, const DisplayParameters& plot, c
         }
 }
 
-// Positive intensities from pale yellow through red to brown, negative ones through blue.
-QRgb paletteColour(double position) {
-    const double t = std::clamp(std::fabs(position) / 255.0, 0.0, 1.0);
-    if (t < 0.02) return qRgb(255, 255, 255);
-    if (position < 0) return qRgb(int(230 - 200 * t), int(240 - 200 * t), 255 - int(100 * t));
-    return qRgb(255 - int(120 * t * t), int(230 * (1 - t)), int(120 * (1 - t) * (1 - t)));
-}
-
 void drawFastPlot(QPainter& p, const Plane& pl, const DisplayParameters& plot, const PlotFrame& f) {
     const double levels = std::max(0, int(plot.positiveLevels));
     const double factor =
@@ -112,7 +107,7 @@ void drawFastPlot(QPainter& p, const Plane& pl, const DisplayParameters& plot, c
                 for (int col = 0; col < r.width(); ++col) {
                     const double px = pointPosition(*pl.x, sx.ppm(r.left() + col + 0.5));
                     const size_t xi = nearestPoint(px, pl.x->points);
-                    line[col] = paletteColour(pl.grid.value(yi, xi) * factor);
+                    line[col] = paletteColour(f.palette, pl.grid.value(yi, xi) * factor);
                 }
             }
             p.drawImage(r.topLeft(), image);
@@ -124,26 +119,39 @@ void drawFastPlot(QPainter& p, const Plane& pl, const DisplayParameters& plot, c
 void drawMapPlot(QPainter& p, const SpectrumDocument& doc, const DisplayParameters& plot,
                  const PlotFrame& f) {
     p.save();
-    if (const auto plane = shownPlane(doc.matrix)) {
-        if (plot.plotMode() == PlotMode::Fast)
+    const auto plane = shownPlane(doc.matrix, plot.zeta);
+    if (plane) {
+        // The unnamed mode 7 is read as a fast plot.
+        if (plot.plotMode() == PlotMode::Fast || int(plot.plotMode()) == 7)
             drawFastPlot(p, *plane, plot, f);
         else if (plot.plotMode() == PlotMode::Arrayed)
             drawArrayed(p, *plane, doc.matrix, f);
         else if (plot.plotMode() == PlotMode::Stacked || plot.plotMode() == PlotMode::WhiteWashed)
             drawStacked(p, *plane, doc.matrix, f, plot.plotMode() == PlotMode::WhiteWashed);
+        else if (plot.plotMode() == PlotMode::Mosaic)
+            drawChessboard(p, *plane, plot, f);
         else
             drawContours(p, *plane, plot, f);
+        if (showsProjections(plot)) drawProjections(p, *plane, plot, f);
     }
     drawMarks(p, doc, f, true);
     p.setPen(QPen(f.color1, 0));
     p.setBrush(Qt::NoBrush);
     p.drawRect(f.data);
-    // Rows side by side or stacked have no common scale to show.
+    // Rows have no common vertical scale; the horizontal one stands under the front row of a
+    // stack and under the first of a series side by side.
     const PlotMode mode = plot.plotMode();
-    const bool arrayed =
-        mode == PlotMode::Arrayed || mode == PlotMode::Stacked || mode == PlotMode::WhiteWashed;
-    if ((plot.flags & display_flags::kXAxis) && !arrayed) drawHorizontalScale(p, f, plot.flags);
-    if ((plot.flags & display_flags::kYAxis) && !arrayed) drawVerticalScale(p, f, plot.flags);
+    const bool stacked = mode == PlotMode::Stacked || mode == PlotMode::WhiteWashed;
+    const bool rows = stacked || mode == PlotMode::Arrayed;
+    if (plot.flags & display_flags::kXAxis) {
+        if (stacked)
+            drawHorizontalScale(p, stackFrontFrame(f), plot.flags);
+        else if (!rows)
+            drawHorizontalScale(p, f, plot.flags);
+        else if (plane)
+            drawHorizontalScale(p, arrayedFirstFrame(*plane, f), plot.flags);
+    }
+    if ((plot.flags & display_flags::kYAxis) && !rows) drawVerticalScale(p, f, plot.flags);
     p.restore();
 }
 

@@ -91,29 +91,73 @@ std::vector<std::vector<ContourSegment>> traceContours(const GridWindow& g,
                                                        const std::vector<float>& levels) {
     std::vector<std::vector<ContourSegment>> out(levels.size());
     if (!g.data || g.lastRow < g.firstRow + 2 || g.lastColumn < g.firstColumn + 2) return out;
+    if (g.columnsContiguous()) {
+        // The lines of the transposed grid, transposed back: the same lines, since every
+        // decision of a cell, the saddle's centre too, is symmetric in its two axes.
+        out = traceContours(g.transposed(), levels);
+        for (auto& level : out)
+            for (ContourSegment& s : level) s = {s.y0, s.x0, s.y1, s.x1};
+        return out;
+    }
     float lowestPositive = INFINITY, highestNegative = -INFINITY;
     for (float l : levels)
         if (l >= 0.0f)
             lowestPositive = std::min(lowestPositive, l);
         else
             highestNegative = std::max(highestNegative, l);
+    // Two rows at a time in buffers, and each cell's lowest and highest corner computed for a
+    // whole row in a loop the compiler vectorizes: most cells are noise between the innermost
+    // levels and are passed over after two comparisons.
+    const size_t n = g.lastColumn - g.firstColumn;
+    std::vector<float> upper(n), lower(n), cellLow(n - 1), cellHigh(n - 1);
+    const auto load = [&](size_t r, std::vector<float>& row) {
+        for (size_t k = 0; k < n; ++k) row[k] = g.value(r, g.firstColumn + k);
+    };
+    load(g.firstRow, lower);
     for (size_t r = g.firstRow; r + 1 < g.lastRow; ++r) {
-        for (size_t col = g.firstColumn; col + 1 < g.lastColumn; ++col) {
-            const Cell c{float(col),
-                         float(r),
-                         g.value(r, col),
-                         g.value(r, col + 1),
-                         g.value(r + 1, col + 1),
-                         g.value(r + 1, col)};
-            const float lo = std::min(std::min(c.tl, c.tr), std::min(c.br, c.bl));
-            const float hi = std::max(std::max(c.tl, c.tr), std::max(c.br, c.bl));
-            // Most cells are noise between the innermost levels: two comparisons for them.
-            if (hi < lowestPositive && lo > highestNegative) continue;
-            for (size_t i = 0; i < levels.size(); ++i) {
-                const float level = levels[i];
-                const bool negative = level < 0.0f;
-                if (negative ? (lo > level || hi <= level) : (hi < level || lo >= level)) continue;
-                traceLevel(c, level, negative, out[i]);
+        upper.swap(lower);
+        load(r + 1, lower);
+        // Blocks of a fixed size, so that the loops need no remainder and vectorize.
+        constexpr size_t kBlock = 16;
+        const size_t cells = n - 1;
+        for (size_t k0 = 0; k0 < cells; k0 += kBlock) {
+            if (k0 + kBlock + 1 <= n) {
+                bool any = false;
+                for (size_t j = 0; j < kBlock; ++j) {
+                    const size_t k = k0 + j;
+                    const float lo = std::min(std::min(upper[k], upper[k + 1]),
+                                              std::min(lower[k], lower[k + 1]));
+                    const float hi = std::max(std::max(upper[k], upper[k + 1]),
+                                              std::max(lower[k], lower[k + 1]));
+                    cellLow[k] = lo;
+                    cellHigh[k] = hi;
+                    any |= (hi >= lowestPositive) | (lo <= highestNegative);
+                }
+                if (!any) continue;
+            } else {
+                for (size_t k = k0; k < cells; ++k) {
+                    cellLow[k] = std::min(std::min(upper[k], upper[k + 1]),
+                                          std::min(lower[k], lower[k + 1]));
+                    cellHigh[k] = std::max(std::max(upper[k], upper[k + 1]),
+                                           std::max(lower[k], lower[k + 1]));
+                }
+            }
+            for (size_t k = k0; k < std::min(k0 + kBlock, cells); ++k) {
+                const float lo = cellLow[k], hi = cellHigh[k];
+                if (hi < lowestPositive && lo > highestNegative) continue;
+                const Cell c{float(g.firstColumn + k),
+                             float(r),
+                             upper[k],
+                             upper[k + 1],
+                             lower[k + 1],
+                             lower[k]};
+                for (size_t i = 0; i < levels.size(); ++i) {
+                    const float level = levels[i];
+                    const bool negative = level < 0.0f;
+                    if (negative ? (lo > level || hi <= level) : (hi < level || lo >= level))
+                        continue;
+                    traceLevel(c, level, negative, out[i]);
+                }
             }
         }
     }

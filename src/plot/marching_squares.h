@@ -18,6 +18,13 @@ struct GridWindow {
     float value(size_t row, size_t column) const {
         return data[row * rowStride + column * columnStride];
     }
+    // Rows become columns: the same values, walked the other way round.
+    GridWindow transposed() const {
+        return {data, columnStride, rowStride, firstColumn, lastColumn, firstRow, lastRow};
+    }
+    // Whether the points of a column lie closer together in memory than those of a row: such a
+    // grid is best walked column by column.
+    bool columnsContiguous() const { return rowStride < columnStride; }
 };
 
 // One piece of a contour line in grid coordinates (fractional column x and row y).
@@ -28,7 +35,8 @@ struct ContourSegment {
 // The segments of every level, in the order of the levels. A point counts as inside a level
 // when it is at or above it (for negative levels: at or below it). Where a cell's diagonal
 // corners are inside and the others not, the average of the four corners, the value at the
-// cell's centre, decides whether the inside corners join across the centre.
+// cell's centre, decides whether the inside corners join across the centre. The cells are
+// visited in the order of the grid's memory.
 std::vector<std::vector<ContourSegment>> traceContours(const GridWindow& grid,
                                                        const std::vector<float>& levels);
 

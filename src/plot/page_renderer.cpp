@@ -1,10 +1,12 @@
 #include "plot/page_renderer.h"
 
+#include <QFontMetricsF>
 #include <algorithm>
 #include <cmath>
 
 #include "display/window_resize.h"
 #include "plot/map_plot.h"
+#include "plot/map_projections.h"
 #include "plot/trace_plot.h"
 
 namespace zolt {
@@ -17,26 +19,28 @@ double hzPerPpm(const PageRecord& page, const SpectrumMatrix& m, int f) {
     return page.scaleUnit == ScaleUnit::Hz && f >= 1 && f <= 3 ? m.dims[f].carrier : 0.0;
 }
 
-PlotFrame frameOf(const PageRecord& page, const DisplayParameters& plot, const SpectrumMatrix& m) {
+PlotFrame frameOf(const PageRecord& page, const DisplayParameters& plot, const SpectrumMatrix& m,
+                  const RenderStyle& style) {
     PlotFrame f;
     f.box = QRectF(plot.box[0], plot.box[1], plot.box[2], plot.box[3]);
-    f.data = f.box;
-    // A 1-D box reaches the bottom of the window: its scale is drawn inside it.
-    if (!plot.hasVertical && (plot.flags & display_flags::kXAxis))
-        f.data.setBottom(std::max(f.box.top() + 1, f.box.bottom() - kTraceScaleBand));
+    f.data = plotDataRect(plot);
     f.x = mapAxis(plot.horizontal, f.data.left(), f.data.right(), true);
     if (plot.hasVertical) f.y = mapAxis(plot.vertical, f.data.top(), f.data.bottom(), false);
     f.xHzPerPpm = hzPerPpm(page, m, plot.horizontal.fIndex);
     if (plot.hasVertical) f.yHzPerPpm = hzPerPpm(page, m, plot.vertical.fIndex);
     f.color1 = pageColor(page.color1);
     f.color2 = pageColor(page.color2);
-    f.font = QFont(QString::fromStdString(page.fontName), page.fontSize > 0 ? page.fontSize : 10);
-    f.font.setPixelSize(std::max<int>(page.fontSize, 6) + 2);
+    f.font = pageFont(page);
+    f.palette = style.palette;
     return f;
 }
 
+const std::string& titleOf(const SpectrumDocument& doc) {
+    return doc.metadata.title.empty() ? doc.windowName : doc.metadata.title;
+}
+
 void drawTitle(QPainter& p, const SpectrumDocument& doc, const PlotFrame& f) {
-    const std::string& title = doc.metadata.title.empty() ? doc.windowName : doc.metadata.title;
+    const std::string& title = titleOf(doc);
     if (title.empty()) return;
     p.setPen(QPen(f.color1, 0));
     p.drawText(f.box.adjusted(4, 2, -4, 0), Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine,
@@ -57,21 +61,51 @@ bool saneBox(const DisplayParameters& plot) {
     });
 }
 
+// The frame plot i is drawn in; the main plot leaves room for the title.
+PlotFrame drawnFrame(const SpectrumDocument& doc, const PageRecord& page, size_t i,
+                     const RenderStyle& style) {
+    PlotFrame f = frameOf(page, page.plots[i], doc.matrix, style);
+    if (i == 0 && !titleOf(doc).empty()) f.titleRoom = QFontMetricsF(f.font).height() + 4;
+    return f;
+}
+
 bool drawable(const DisplayParameters& plot, const PlotFrame& f) {
     return !f.x.empty() && !(plot.hasVertical && f.y.empty());
 }
 
 }  // namespace
 
-std::optional<DrawnPlot> drawnMainPlot(const SpectrumDocument& doc, QSize size) {
+std::optional<DrawnPlot> drawnMainPlot(const SpectrumDocument& doc, QSize size,
+                                       const RenderStyle& style) {
     const PageRecord page = pageAt(doc, size);
     if (page.plots.empty() || !saneBox(page.plots.front())) return std::nullopt;
-    DrawnPlot drawn{page.plots.front(), frameOf(page, page.plots.front(), doc.matrix)};
+    DrawnPlot drawn{page.plots.front(), drawnFrame(doc, page, 0, style)};
     if (!drawable(drawn.plot, drawn.frame)) return std::nullopt;
     return drawn;
 }
 
-void renderPage(const SpectrumDocument& doc, QPainter& p, QSize size) {
+QRectF plotDataRect(const DisplayParameters& plot) {
+    const QRectF box(plot.box[0], plot.box[1], plot.box[2], plot.box[3]);
+    QRectF data = box;
+    // A 1-D box reaches the bottom of the window: its scale is drawn inside it.
+    if (!plot.hasVertical && (plot.flags & display_flags::kXAxis))
+        data.setBottom(std::max(box.top() + 1, box.bottom() - kTraceScaleBand));
+    if (showsProjections(plot)) {
+        data.setTop(box.top() + projectionBand(box.height()));
+        data.setRight(box.right() - projectionBand(box.width()));
+    }
+    return data;
+}
+
+QFont pageFont(const PageRecord& page) {
+    QFont font(
+        QString::fromStdString(page.fontName.empty() ? PageRecord{}.fontName : page.fontName));
+    font.setStyleHint(QFont::SansSerif);
+    font.setPixelSize(std::max<int>(page.fontSize, 6) + 2);
+    return font;
+}
+
+void renderPage(const SpectrumDocument& doc, QPainter& p, QSize size, const RenderStyle& style) {
     const PageRecord page = pageAt(doc, size);
     p.save();
     p.setRenderHint(QPainter::Antialiasing, true);
@@ -79,7 +113,7 @@ void renderPage(const SpectrumDocument& doc, QPainter& p, QSize size) {
     for (size_t i = 0; i < page.plots.size(); ++i) {
         const DisplayParameters& plot = page.plots[i];
         if (!saneBox(plot)) continue;
-        const PlotFrame f = frameOf(page, plot, doc.matrix);
+        const PlotFrame f = drawnFrame(doc, page, i, style);
         if (!drawable(plot, f)) continue;
         p.setFont(f.font);
         if (i > 0) {

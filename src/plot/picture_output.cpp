@@ -1,5 +1,6 @@
 #include "plot/picture_output.h"
 
+#include <QFile>
 #include <QImage>
 #include <QPageSize>
 #include <QPdfWriter>
@@ -10,6 +11,7 @@
 
 #include "model/display_record.h"
 #include "plot/page_renderer.h"
+#include "plot/png_encoding.h"
 
 namespace zolt {
 
@@ -20,16 +22,19 @@ std::string lower(std::string s) {
     return s;
 }
 
-bool writeImage(const SpectrumDocument& doc, const QString& path, QSize size, const char* format) {
+bool writeImage(const SpectrumDocument& doc, const QString& path, QSize size, const char* format,
+                const RenderStyle& style) {
     QImage image(size, QImage::Format_RGB32);
-    image.fill(Qt::white);
     QPainter p(&image);
-    renderPage(doc, p, size);
+    renderPage(doc, p, size, style);
     p.end();
-    return image.save(path, format);
+    if (std::string_view(format) != "PNG") return image.save(path, format);
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(encodePng(image)) >= 0;
 }
 
-bool writePdf(const SpectrumDocument& doc, const QString& path, QSize size) {
+bool writePdf(const SpectrumDocument& doc, const QString& path, QSize size,
+              const RenderStyle& style) {
     QPdfWriter writer(path);
     // One pixel of the page is one point of the PDF.
     writer.setResolution(72);
@@ -37,11 +42,12 @@ bool writePdf(const SpectrumDocument& doc, const QString& path, QSize size) {
     writer.setPageMargins(QMarginsF(0, 0, 0, 0));
     QPainter p;
     if (!p.begin(&writer)) return false;
-    renderPage(doc, p, size);
+    renderPage(doc, p, size, style);
     return p.end();
 }
 
-bool writeSvg(const SpectrumDocument& doc, const QString& path, QSize size) {
+bool writeSvg(const SpectrumDocument& doc, const QString& path, QSize size,
+              const RenderStyle& style) {
     QSvgGenerator svg;
     svg.setFileName(path);
     svg.setSize(size);
@@ -49,7 +55,7 @@ bool writeSvg(const SpectrumDocument& doc, const QString& path, QSize size) {
     svg.setTitle(QString::fromStdString(doc.windowName));
     QPainter p;
     if (!p.begin(&svg)) return false;
-    renderPage(doc, p, size);
+    renderPage(doc, p, size, style);
     return p.end();
 }
 
@@ -69,20 +75,20 @@ PictureFormat pictureFormat(std::string_view type, const std::string& path) {
 }
 
 bool writePicture(const SpectrumDocument& doc, const std::string& path, std::string_view type,
-                  QSize size) {
+                  QSize size, const RenderStyle& style) {
     if (size.isEmpty())
         size = QSize(doc.page.pageWidth ? doc.page.pageWidth : kDefaultClientWidth,
                      doc.page.pageHeight ? doc.page.pageHeight : kDefaultClientHeight);
     const QString file = QString::fromStdString(path);
     switch (pictureFormat(type, path)) {
         case PictureFormat::Png:
-            return writeImage(doc, file, size, "PNG");
+            return writeImage(doc, file, size, "PNG", style);
         case PictureFormat::Jpeg:
-            return writeImage(doc, file, size, "JPEG");
+            return writeImage(doc, file, size, "JPEG", style);
         case PictureFormat::Pdf:
-            return writePdf(doc, file, size);
+            return writePdf(doc, file, size, style);
         case PictureFormat::Svg:
-            return writeSvg(doc, file, size);
+            return writeSvg(doc, file, size, style);
         case PictureFormat::Unknown:
             return false;
     }

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "model/spectrum_document.h"
+#include "plot/page_renderer.h"
 
 namespace zolt {
 
@@ -18,6 +19,6 @@ PictureFormat pictureFormat(std::string_view type, const std::string& path);
 // At the page's own size when `size` is empty. False when the format is unknown or the file
 // cannot be written.
 bool writePicture(const SpectrumDocument& doc, const std::string& path, std::string_view type,
-                  QSize size = {});
+                  QSize size = {}, const RenderStyle& style = {});
 
 }  // namespace zolt

@@ -20,6 +20,8 @@ struct PlotFrame {
     double xHzPerPpm = 0.0, yHzPerPpm = 0.0;
     QColor color1, color2;
     QFont font;
+    int palette = 1;
+    double titleRoom = 0.0;  // the height the page's title takes at the top of the box
 };
 
 inline QColor pageColor(const std::array<uint16_t, 3>& rgb) {

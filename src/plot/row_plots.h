@@ -15,5 +15,10 @@ namespace zolt {
 void drawArrayed(QPainter& p, const Plane& pl, const SpectrumMatrix& m, const PlotFrame& f);
 void drawStacked(QPainter& p, const Plane& pl, const SpectrumMatrix& m, const PlotFrame& f,
                  bool whiteWashed);
+// The first row of an arrayed series in the same way, for a scale under it.
+PlotFrame arrayedFirstFrame(const Plane& pl, const PlotFrame& f);
+// Where the front row of a stack lies along the horizontal axis: the frame with one horizontal
+// segment from the first shown ppm to the last over the front row's pixels, for its scale.
+PlotFrame stackFrontFrame(const PlotFrame& f);
 
 }  // namespace zolt

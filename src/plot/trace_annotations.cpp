@@ -61,6 +61,21 @@ std::vector<double> spreadLabels(const std::vector<double>& wanted, double gap) 
 
 }  // namespace
 
+double peakLabelBand(const QPainter& p, const SpectrumDocument& doc, const DisplayParameters& plot,
+                     const PlotFrame& f) {
+    const bool text = plot.flags & display_flags::kFrequencies;
+    if (!text && !(plot.flags & display_flags::kLabels)) return 0.0;
+    const QFontMetricsF metrics(p.font());
+    double longest = -1.0;
+    for (float ppm : doc.peaks.oneD)
+        if (segmentHolding(f.x, ppm))
+            longest =
+                std::max(longest, text ? metrics.horizontalAdvance(peakText(doc, plot, ppm)) : 0.0);
+    if (longest < 0.0) return 0.0;
+    // The leader's knee and the gaps above and below the text.
+    return std::min(longest + 8 * kLabelGap, 0.4 * f.data.height());
+}
+
 void drawPeakLabels(QPainter& p, const SpectrumDocument& doc, const DisplayParameters& plot,
                     const PlotFrame& f, const IntensityMap& im) {
     const bool text = plot.flags & display_flags::kFrequencies;
@@ -86,7 +101,8 @@ void drawPeakLabels(QPainter& p, const SpectrumDocument& doc, const DisplayParam
             const double x = s.pixel(ppm);
             const auto c = static_cast<size_t>(
                 std::clamp(x - std::floor(s.pixelA), 0.0, double(columns.size() - 1)));
-            const double top = std::max(f.box.top(), im.y(columns[c].high)) - kLabelGap;
+            // A trace amplified beyond the top is cut off at the top of the intensity map.
+            const double top = std::max(im.yBottom - im.height, im.y(columns[c].high)) - kLabelGap;
             labels.push_back({x, top, peakText(doc, plot, ppm)});
             wanted.push_back(x);
             longest = std::max(longest, metrics.horizontalAdvance(labels.back().text));
@@ -117,6 +133,10 @@ void drawPeakLabels(QPainter& p, const SpectrumDocument& doc, const DisplayParam
                 p.save();
                 p.translate(x + metrics.ascent() / 2 - 1, base);
                 p.rotate(-90);
+                // Integral curves passing behind a label leave it readable.
+                p.fillRect(QRectF(0, -metrics.ascent(), metrics.horizontalAdvance(l.text),
+                                  metrics.ascent() + metrics.descent()),
+                           Qt::white);
                 p.drawText(QPointF(0, 0), l.text);
                 p.restore();
             }

@@ -10,6 +10,11 @@
 
 namespace zolt {
 
+// The room the peak labels want above the trace: the longest label with its leader, nothing
+// when the plot shows no labels or no peak lies in view. Never more than 40 % of the data's
+// height, so that a small plot keeps most of it for the trace.
+double peakLabelBand(const QPainter& p, const SpectrumDocument& doc, const DisplayParameters& plot,
+                     const PlotFrame& f);
 // Vertical text with each peak's ppm above its top ("frequencies"), with a leader line from
 // the top ("labels"); crowded labels move apart sideways.
 void drawPeakLabels(QPainter& p, const SpectrumDocument& doc, const DisplayParameters& plot,

@@ -61,8 +61,11 @@ std::vector<ColumnExtremes> segmentColumns(const SpectrumMatrix& m, const Segmen
 
 void drawTracePlot(QPainter& p, const SpectrumDocument& doc, const DisplayParameters& plot,
                    const PlotFrame& f) {
-    const IntensityMap im = intensityMap(plot, f.data);
     p.save();
+    // The trace keeps below its peak labels, as on a spectrometer's plot; amplified beyond the
+    // top, it is cut off under them.
+    const double band = peakLabelBand(p, doc, plot, f);
+    const IntensityMap im = intensityMap(plot, f.data.adjusted(0, band, 0, 0));
     p.setClipRect(f.box);
     p.setPen(QPen(f.color1, 0));
     if (plot.flags & display_flags::kXAxis) drawHorizontalScale(p, f, plot.flags);
@@ -70,7 +73,7 @@ void drawTracePlot(QPainter& p, const SpectrumDocument& doc, const DisplayParame
     p.setPen(QPen(QColor(150, 150, 150), 0));
     for (const SegmentMap& s : f.x) p.drawLine(QLineF(s.pixelA, zero, s.pixelB, zero));
     drawMarks(p, doc, f, false);
-    p.setClipRect(f.data.adjusted(0, -f.data.top() + f.box.top(), 0, 0));
+    p.setClipRect(f.data.adjusted(0, band > 0 ? band : f.box.top() - f.data.top(), 0, 0));
     p.setPen(QPen(f.color1, 0));
     drawTrace(p, doc.matrix, f, im);
     p.setClipRect(f.box);

@@ -1,8 +1,11 @@
 // What the document windows show and at which scale.
 #include <cctype>
 #include <cmath>
+#include <optional>
+#include <string>
 
 #include "operations/display_operations.h"
+#include "operations/page_style_operations.h"
 #include "scripting/commands.h"
 #include "scripting/script_args.h"
 
@@ -41,11 +44,47 @@ int bidi(lua_State* L) {
     return 0;
 }
 
+// Entry i of the table at index t: an array of three components, 0 ... 65535 each; nothing when
+// it is not a table.
+std::optional<Rgb16> colourEntry(lua_State* L, int t, int i) {
+    lua_rawgeti(L, t, i);
+    std::optional<Rgb16> rgb;
+    if (lua_istable(L, -1)) {
+        rgb.emplace();
+        for (int k = 0; k < 3; ++k) {
+            lua_rawgeti(L, -1, k + 1);
+            (*rgb)[size_t(k)] = static_cast<uint16_t>(clampNumber(lua_tonumber(L, -1), 0, 65535));
+            lua_pop(L, 1);
+        }
+    }
+    lua_pop(L, 1);
+    return rgb;
+}
+
+// { {r, g, b}, {r, g, b} }: the first and the second colour; either may be left out (nil).
+int color(lua_State* L) {
+    luaL_checktype(L, 1, LUA_TTABLE);
+    const std::optional<Rgb16> first = colourEntry(L, 1, 1), second = colourEntry(L, 1, 2);
+    for (SpectrumDocument* d : targets(L)) finish(L, *d, setPlotColours(*d, first, second));
+    return 0;
+}
+
 int cw(lua_State* L) {
     const bool on = lua_toboolean(L, 1) != 0;
     if (SpectrumDocument* d = firstTarget(L)) setCustomWorkflow(*d, on);
     host(L).rebuildTargets();
     return 0;
+}
+
+int font(lua_State* L) {
+    const std::string name = luaL_optstring(L, 1, "");
+    const auto size = static_cast<int>(optClampedInteger(L, 2, 0, 0, kLargestFontSize));
+    for (SpectrumDocument* d : targets(L)) finish(L, *d, setPlotFont(*d, name, size));
+    SpectrumDocument* d = firstTarget(L);
+    if (!d) return 0;
+    lua_pushstring(L, d->page.fontName.c_str());
+    lua_pushnumber(L, d->page.fontSize);
+    return 2;
 }
 
 int full(lua_State* L) {
@@ -122,9 +161,10 @@ int shift(lua_State* L) {
 }  // namespace
 
 const luaL_Reg kDisplayCommands[] = {
-    {"adj", adj},     {"amp", amp},           {"bidi", bidi},   {"cw", cw},
-    {"full", full},   {"getmarks", getmarks}, {"mark", mark},   {"paper", paper},
-    {"refer", refer}, {"region", region},     {"shift", shift}, {nullptr, nullptr},
+    {"adj", adj},     {"amp", amp},       {"bidi", bidi},   {"color", color},
+    {"cw", cw},       {"font", font},     {"full", full},   {"getmarks", getmarks},
+    {"mark", mark},   {"paper", paper},   {"refer", refer}, {"region", region},
+    {"shift", shift}, {nullptr, nullptr},
 };
 
 }  // namespace zolt

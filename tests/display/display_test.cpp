@@ -5,6 +5,7 @@
 
 #include "display/frequency_shift.h"
 #include "display/insets.h"
+#include "display/levels_colors.h"
 #include "display/scale_ticks.h"
 #include "display/vertical_scale.h"
 #include "display/window_resize.h"
@@ -239,6 +240,53 @@ TEST(FrequencyShift, ShiftingF2MovesItsLimitsItsObjectsAndTheZetaOfPlotsWithoutI
               (std::array<float, 6>{7.5f + d, 7.0f + d, 120.0f, 135.0f, kOpenLimit, 0.0f}));
     EXPECT_EQ(doc.marks[0], (std::vector<float>{3.0f + d}));
     EXPECT_EQ(doc.marks[1], (std::vector<float>{50.0f}));
+}
+
+TEST(LevelsColors, ArrowsStepAndClampAndUndoRestoresWhatTheDialogOpenedWith) {
+    EXPECT_EQ(stepLevelCount(126, 1), 127);
+    EXPECT_EQ(stepLevelCount(127, 1), 127);
+    EXPECT_EQ(stepLevelCount(0, -1), 0);
+    EXPECT_EQ(stepLevelCount(-5, 1), 0);  // a damaged count comes back into range
+    EXPECT_FLOAT_EQ(stepThreshold(100.0f, 1), 102.0f);
+    EXPECT_FLOAT_EQ(stepThreshold(102.0f, -1), 100.0f);
+    EXPECT_EQ(stepThreshold(kMaxThreshold, 1), kMaxThreshold);
+    EXPECT_EQ(stepThreshold(kMinThreshold, -1), kMinThreshold);
+    // With a vertical axis: steps of 0.02 within 1.15 ... 3; without: 0.005 within 0.01 ... 3.
+    EXPECT_FLOAT_EQ(stepRatio(1.4f, 1, true), 1.42f);
+    EXPECT_FLOAT_EQ(stepRatio(1.16f, -1, true), 1.15f);
+    EXPECT_FLOAT_EQ(stepRatio(2.99f, 1, true), 3.0f);
+    EXPECT_FLOAT_EQ(stepRatio(1.4f, -1, false), 1.395f);
+    EXPECT_FLOAT_EQ(stepRatio(0.012f, -1, false), 0.01f);
+    EXPECT_FLOAT_EQ(stepRatio(NAN, 1, true), 1.15f);
+
+    PageRecord page;
+    page.plots.resize(2);
+    DisplayParameters& plot = page.plots[0];
+    plot.flags = display_flags::kGrid | uint32_t(PlotMode::Contours);
+    plot.positiveLevels = 12;
+    const LevelsColorsState opened = levelsColorsState(page);
+    choosePlotMode(plot, 6);
+    EXPECT_EQ(plot.plotMode(), PlotMode::Mosaic);
+    EXPECT_STREQ(kPlotModeNames[6], "Chessboard");
+    choosePlotMode(plot, 7);  // not in the list
+    EXPECT_EQ(plot.plotMode(), PlotMode::Mosaic);
+    plot.positiveLevels = stepLevelCount(plot.positiveLevels, 1);
+    plot.negativeLevels = stepLevelCount(plot.negativeLevels, 1);
+    plot.threshold = stepThreshold(plot.threshold, -1);
+    plot.ratio = stepRatio(plot.ratio, 1, true);
+    page.color1 = {1, 2, 3};
+    page.color2 = {4, 5, 6};
+    restoreLevelsColors(page, opened);
+    EXPECT_EQ(plot.flags, display_flags::kGrid | uint32_t(PlotMode::Contours));
+    EXPECT_EQ(plot.positiveLevels, 12);
+    EXPECT_EQ(plot.negativeLevels, 0);
+    EXPECT_EQ(plot.threshold, 1.0f);
+    EXPECT_EQ(plot.ratio, 1.4f);
+    EXPECT_EQ(page.color1, (std::array<uint16_t, 3>{0, 0, 0}));
+    EXPECT_EQ(page.color2, (std::array<uint16_t, 3>{0, 0, 0xffff}));
+    PageRecord empty;
+    restoreLevelsColors(empty, levelsColorsState(empty));  // no plots: nothing to read or change
+    EXPECT_TRUE(empty.plots.empty());
 }
 
 }  // namespace

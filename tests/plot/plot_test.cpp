@@ -1,8 +1,11 @@
-// The renderer on real data: the trace keeps its tallest peak where it is, contours close
-// around picked cross peaks, and PDF and SVG pictures hold vector paths and text.
+// The renderer on real data: the trace keeps its tallest peak where it is and under its labels,
+// contours close around picked cross peaks, projections rise where the plane does, the
+// chessboard and the fast plot's palettes, and PNG, PDF and SVG pictures.
 #include <gtest/gtest.h>
 
 #include <QByteArray>
+#include <QFontInfo>
+#include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QImage>
 #include <algorithm>
@@ -12,11 +15,17 @@
 #include <queue>
 
 #include "analysis/peak_picking_2d.h"
+#include "display/vertical_scale.h"
 #include "plot/axis_map.h"
+#include "plot/chessboard.h"
+#include "plot/map_plane.h"
+#include "plot/map_projections.h"
 #include "plot/marching_squares.h"
 #include "plot/page_renderer.h"
+#include "plot/palettes.h"
 #include "plot/picture_output.h"
 #include "plot/plot_pointer.h"
+#include "plot/png_encoding.h"
 #include "test_data.h"
 
 namespace zolt {
@@ -30,11 +39,11 @@ void ensureGui() {
     static QGuiApplication app(argc, argv);
 }
 
-QImage render(const SpectrumDocument& doc) {
+QImage render(const SpectrumDocument& doc, const RenderStyle& style = {}) {
     const QSize size(doc.page.pageWidth, doc.page.pageHeight);
     QImage image(size, QImage::Format_RGB32);
     QPainter p(&image);
-    renderPage(doc, p, size);
+    renderPage(doc, p, size, style);
     return image;
 }
 
@@ -79,9 +88,10 @@ TEST(Plot, ContoursCloseAroundPickedHsqcPeaks) {
                                          kWholeSpectrum, options);
     ASSERT_GE(picked.peaks.size(), 3u);
     const QImage im = render(*doc);
-    const QRect data = QRectF(plot.box[0], plot.box[1], plot.box[2], plot.box[3]).toRect();
-    const SegmentMap sx = mapAxis(plot.horizontal, data.left(), data.right(), true).at(0);
-    const SegmentMap sy = mapAxis(plot.vertical, data.top(), data.bottom(), false).at(0);
+    const QRectF dataF = plotDataRect(plot);
+    const QRect data = dataF.toRect();
+    const SegmentMap sx = mapAxis(plot.horizontal, dataF.left(), dataF.right(), true).at(0);
+    const SegmentMap sy = mapAxis(plot.vertical, dataF.top(), dataF.bottom(), false).at(0);
     for (size_t k = 0; k < std::min<size_t>(picked.peaks.size(), 6); ++k) {
         const QPoint start(int(sx.pixel(picked.peaks[k][0])), int(sy.pixel(picked.peaks[k][1])));
         SCOPED_TRACE(k);
@@ -223,6 +233,202 @@ TEST(Plot, SaddleCellsFollowTheirCentre) {
         const ContourSegment& s = lines[0][0];
         EXPECT_EQ(std::max(s.x0, s.x1) == 1.0f, joined) << low;
     }
+}
+
+// The tallest peak's label stands above the trace, with a gap between them, at the automatic
+// scale and amplified beyond it.
+TEST(Plot, TraceStaysUnderItsPeakLabels) {
+    ensureGui();
+    auto doc = testdata::openTransformed("aspirin-1h");
+    ASSERT_TRUE(doc);
+    doc->windowName.clear();
+    doc->metadata.title.clear();
+    const SpectrumMatrix& m = doc->matrix;
+    const size_t n = m.dims[m.xIndex].points;
+    const auto top = std::max_element(m.re.begin(), m.re.begin() + n) - m.re.begin();
+    doc->peaks.oneD = {float(ppmOfPoint(m.dims[m.xIndex], double(top)))};
+    DisplayParameters& plot = doc->page.plots[0];
+    plot.flags &= ~display_flags::kLabels;
+    const SegmentMap s = mapAxis(plot.horizontal, plot.box[0], plot.box[0] + plot.box[2], true)[0];
+    const int x = int(s.pixel(doc->peaks.oneD[0]));
+    setAutomaticScale(plot, m);
+    for (const double factor : {1.0, 10.0}) {
+        amplify(plot, factor);
+        const QImage im = render(*doc);
+        // Down the column: the label's glyphs, a gap of white, then the trace's long run of ink.
+        std::vector<std::pair<int, int>> runs;  // of ink, first and last row
+        for (int y = int(plot.box[1]); y < int(plot.box[1] + plot.box[3]); ++y) {
+            bool any = false;
+            for (int dx = -1; dx <= 1; ++dx) any = any || ink(im, x + dx, y);
+            if (!any) continue;
+            if (runs.empty() || runs.back().second != y - 1) runs.push_back({y, y});
+            runs.back().second = y;
+        }
+        const auto trace =
+            std::find_if(runs.begin(), runs.end(), [](auto r) { return r.second - r.first > 30; });
+        ASSERT_NE(trace, runs.end()) << factor;
+        ASSERT_NE(trace, runs.begin()) << factor << ": no label";
+        EXPECT_GE(trace->first - std::prev(trace)->second, 8) << factor;
+    }
+}
+
+// Traced in the order of the plane's memory (its columns lie together) or row by row from a
+// copy, the HSQC gives the very same lines.
+TEST(Plot, TracingInMemoryOrderKeepsEveryLine) {
+    auto doc = testdata::openTransformed("cyclosporin-hsqc");
+    ASSERT_TRUE(doc);
+    const auto plane = shownPlane(doc->matrix);
+    ASSERT_TRUE(plane);
+    GridWindow g = plane->grid;
+    g.firstRow = 300, g.lastRow = 700, g.firstColumn = 100, g.lastColumn = 900;
+    ASSERT_TRUE(g.columnsContiguous());
+    std::vector<float> rows(plane->y->points * plane->x->points);
+    for (size_t r = 0; r < plane->y->points; ++r)
+        for (size_t c = 0; c < plane->x->points; ++c)
+            rows[r * plane->x->points + c] = g.value(r, c);
+    GridWindow copy = g;
+    copy.data = rows.data(), copy.rowStride = plane->x->points, copy.columnStride = 1;
+    const ContourLevels levels = contourLevels(doc->page.plots[0]);
+    std::vector<float> all = levels.positive;
+    all.push_back(-levels.positive[0]);
+    const auto a = traceContours(g, all), b = traceContours(copy, all);
+    const auto key = [](const std::vector<ContourSegment>& v) {
+        std::vector<std::array<float, 4>> k;
+        for (const ContourSegment& s : v)
+            k.push_back(
+                std::min(std::array{s.x0, s.y0, s.x1, s.y1}, std::array{s.x1, s.y1, s.x0, s.y0}));
+        std::sort(k.begin(), k.end());
+        return k;
+    };
+    size_t total = 0;
+    for (size_t i = 0; i < all.size(); ++i) {
+        EXPECT_EQ(key(a[i]), key(b[i])) << i;
+        total += a[i].size();
+    }
+    EXPECT_GT(total, 1000u);
+}
+
+// The horizontal projection is highest over the plane's tallest column, the vertical one
+// furthest out beside its tallest row.
+TEST(Plot, HsqcProjectionsRiseWhereThePlaneDoes) {
+    ensureGui();
+    auto doc = testdata::openTransformed("cyclosporin-hsqc");
+    ASSERT_TRUE(doc);
+    doc->windowName.clear();
+    doc->metadata.title.clear();
+    DisplayParameters& plot = doc->page.plots[0];
+    plot.negativeLevels = 10;
+    ASSERT_TRUE(showsProjections(plot));
+    const auto plane = shownPlane(doc->matrix);
+    // The largest magnitude over each column and each row, the plane's positive and negative
+    // peaks both shown.
+    std::vector<float> across(plane->x->points), down(plane->y->points);
+    for (size_t r = 0; r < down.size(); ++r)
+        for (size_t c = 0; c < across.size(); ++c) {
+            const float v = std::fabs(plane->grid.value(r, c));
+            across[c] = std::max(across[c], v), down[r] = std::max(down[r], v);
+        }
+    const auto tallest = [](const std::vector<float>& v) {
+        return double(std::max_element(v.begin(), v.end()) - v.begin());
+    };
+    const QRectF data = plotDataRect(plot);
+    const SegmentMap sx = mapAxis(plot.horizontal, data.left(), data.right(), true)[0];
+    const SegmentMap sy = mapAxis(plot.vertical, data.top(), data.bottom(), false)[0];
+    const QImage im = render(*doc);
+    QPoint highest(-1, im.height()), furthest(-1, -1);
+    for (int y = int(plot.box[1]); y < int(data.top()) - 3; ++y)
+        for (int x = int(data.left()) + 1; x < int(data.right()); ++x)
+            if (ink(im, x, y) && y < highest.y()) highest = {x, y};
+    for (int x = int(data.right()) + 4; x < int(plot.box[0] + plot.box[2]); ++x)
+        for (int y = int(data.top()) + 1; y < int(data.bottom()); ++y)
+            if (ink(im, x, y) && x > furthest.x()) furthest = {x, y};
+    EXPECT_NEAR(highest.x(), sx.pixel(ppmOfPoint(*plane->x, tallest(across))), 2.0);
+    EXPECT_NEAR(furthest.y(), sy.pixel(ppmOfPoint(*plane->y, tallest(down))), 2.0);
+    EXPECT_LT(highest.y(), int(plot.box[1]) + 6);  // the tallest reaches the top of its band
+}
+
+TEST(Plot, ChessboardAndFastPlotColourThePeaks) {
+    const std::vector<float> up{1, 2, 4}, down{-1, -2};
+    for (const auto& [v, reached] :
+         {std::pair{0.5f, 0}, {1.0f, 1}, {3.0f, 2}, {100.0f, 3}, {-1.5f, 1}, {-5.0f, 2}, {NAN, 0}})
+        EXPECT_EQ(levelsReached(v, up, down), reached) << v;
+    for (int palette = 0; palette < kPaletteCount; ++palette) {
+        EXPECT_EQ(paletteColour(palette, 0.0), qRgb(255, 255, 255));
+        EXPECT_EQ(paletteColour(palette + kPaletteCount, 300.0), paletteColour(palette, 255.0));
+        EXPECT_NE(paletteColour(palette, 255.0), paletteColour(palette, -255.0));
+    }
+    EXPECT_NE(paletteColour(1, 255.0), paletteColour(2, 255.0));
+
+    ensureGui();
+    auto doc = testdata::openTransformed("cyclosporin-hsqc");
+    ASSERT_TRUE(doc);
+    DisplayParameters& plot = doc->page.plots[0];
+    const auto plane = shownPlane(doc->matrix);
+    size_t row = 0, column = 0;
+    for (size_t r = 0; r < plane->y->points; ++r)
+        for (size_t c = 0; c < plane->x->points; ++c)
+            if (plane->grid.value(r, c) > plane->grid.value(row, column)) row = r, column = c;
+    const QRectF data = plotDataRect(plot);
+    const QPoint peak(int(mapAxis(plot.horizontal, data.left(), data.right(), true)[0].pixel(
+                          ppmOfPoint(*plane->x, double(column)))),
+                      int(mapAxis(plot.vertical, data.top(), data.bottom(), false)[0].pixel(
+                          ppmOfPoint(*plane->y, double(row)))));
+    plot.flags = (plot.flags & ~display_flags::kPlotModeMask) | uint32_t(PlotMode::Mosaic);
+    EXPECT_EQ(render(*doc).pixel(peak), pageColor(doc->page.color1).rgb());
+    // The fast plot's tallest point lies far beyond the end of the scale.
+    plot.flags = (plot.flags & ~display_flags::kPlotModeMask) | uint32_t(PlotMode::Fast);
+    for (int palette : {1, 6})
+        EXPECT_EQ(render(*doc, {palette}).pixel(peak), paletteColour(palette, 255.0)) << palette;
+}
+
+// A 3-D matrix shows the plane nearest zeta along its third axis, clamped to the axis.
+TEST(Plot, ThreeDimensionsShowThePlaneAtZeta) {
+    SpectrumMatrix m;
+    m.dimensions = 3, m.xIndex = 3, m.yIndex = 2, m.zIndex = 1, m.contiguous = 3;
+    for (int f = 1; f <= 3; ++f) {
+        m.dims[size_t(f)].points = uint32_t(2 + f);
+        m.dims[size_t(f)].spectralWidth = 10.0f;
+        m.dims[size_t(f)].lowestPpm = 0.0f;
+    }
+    m.re.resize(m.pointCount());
+    for (size_t i = 0; i < m.re.size(); ++i) m.re[i] = float(i);
+    const DimensionRecord& z = m.dims[1];
+    for (const auto& [zeta, plane] : {std::pair{float(ppmOfPoint(z, 1)), 1},
+                                      {1e6f, 0},
+                                      {-1e6f, 2},
+                                      {float(ppmOfPoint(z, 1.6)), 2},
+                                      {NAN, 0}}) {
+        const auto pl = shownPlane(m, zeta);
+        ASSERT_TRUE(pl);
+        EXPECT_EQ(pl->grid.value(1, 2), float(plane * 20 + 1 * 5 + 2)) << zeta;
+    }
+}
+
+// The face the page names is asked for, a missing one drawn in an installed sans-serif face.
+TEST(Plot, PageFontNamesThePagesFaceAndFallsBack) {
+    ensureGui();
+    PageRecord page;
+    page.fontName = "No Such Face 4711";
+    page.fontSize = 9;
+    const QFont font = pageFont(page);
+    EXPECT_EQ(font.family(), "No Such Face 4711");
+    EXPECT_EQ(font.pixelSize(), 11);
+    EXPECT_FALSE(QFontInfo(font).family().isEmpty());
+    EXPECT_GT(QFontMetricsF(font).horizontalAdvance("7.26"), 10.0);
+    page.fontName.clear();
+    EXPECT_EQ(pageFont(page).family(), "Verdana");
+}
+
+// The PNG written holds exactly the pixels drawn.
+TEST(Plot, PngHoldsThePixelsDrawn) {
+    ensureGui();
+    auto doc = testdata::openTransformed("aspirin-1h");
+    ASSERT_TRUE(doc);
+    const QImage drawn = render(*doc);
+    const QImage read = QImage::fromData(encodePng(drawn), "PNG");
+    ASSERT_EQ(read.size(), drawn.size());
+    EXPECT_EQ(read.convertToFormat(QImage::Format_RGB32), drawn);
+    EXPECT_TRUE(encodePng(QImage()).isEmpty());
 }
 
 }  // namespace

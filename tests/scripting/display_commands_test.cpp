@@ -122,5 +122,23 @@ TEST_F(DisplayCommands, BidiChoosesTheModeOfATransformedMapFromItsFirstLetter) {
     EXPECT_FALSE(run("bidi()"));
 }
 
+TEST_F(DisplayCommands, ColorAndFontSetThePageAndFontReportsIt) {
+    SpectrumDocument& d = open("aspirin-1h");
+    ASSERT_TRUE(run("print(font())"));
+    EXPECT_EQ(lastLogLine(), "Verdana\t10");
+    ASSERT_TRUE(run("print(font('DejaVu Serif', 300))"));  // the size stays within 1 ... 255
+    EXPECT_EQ(lastLogLine(), "DejaVu Serif\t255");
+    ASSERT_TRUE(run("print(font(nil, 9))"));
+    EXPECT_EQ(lastLogLine(), "DejaVu Serif\t9");
+    ASSERT_TRUE(run("color({ {65535, 0, -4}, {1, 2, 70000} })"));
+    EXPECT_EQ(d.page.color1, (std::array<uint16_t, 3>{65535, 0, 0}));
+    EXPECT_EQ(d.page.color2, (std::array<uint16_t, 3>{1, 2, 65535}));
+    ASSERT_TRUE(run("color({ nil, {0, 0, 0} })"));  // the first colour is left as it is
+    EXPECT_EQ(d.page.color1, (std::array<uint16_t, 3>{65535, 0, 0}));
+    EXPECT_EQ(d.page.color2, (std::array<uint16_t, 3>{0, 0, 0}));
+    EXPECT_TRUE(d.flags & document_flags::kModified);
+    EXPECT_FALSE(run("color(3)"));
+}
+
 }  // namespace
 }  // namespace zolt
