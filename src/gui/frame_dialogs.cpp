@@ -53,10 +53,13 @@ void showSettings(MainWindow& frame, SettingsStore* settings) {
 }
 
 // The frame parents the dialog so that the timer restoring the preferences outlives it.
-void showTimer(MainWindow& frame) { TimerDialog(frame.application(), &frame).exec(); }
+void showTimer(MainWindow& frame) {
+    TimerDialog(frame.application(), &frame).exec();
+}
 
-void showAbout(MainWindow& frame) { showAboutBox(&frame); }
-
+void showAbout(MainWindow& frame) {
+    showAboutBox(&frame);
+}
 
 }  // namespace
 
@@ -70,7 +73,9 @@ void MainWindow::print() {
         printDocument(*doc, app_.preferences(), printer_, this);
 }
 
-void MainWindow::pageSetup() { zolt::pageSetup(printer_, this); }
+void MainWindow::pageSetup() {
+    zolt::pageSetup(printer_, this);
+}
 
 // Shown and hidden, never closed here: closing the console ends the script host with it.
 void MainWindow::toggleConsole() {

@@ -7,8 +7,8 @@
 #include <algorithm>
 
 #include "app/application.h"
-#include "gui/document_window.h"
 #include "gui/console_window.h"
+#include "gui/document_window.h"
 #include "gui/main_window.h"
 
 namespace zolt {

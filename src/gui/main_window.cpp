@@ -1,6 +1,4 @@
 #include "gui/main_window.h"
-#include "gui/qt_platform.h"
-#include "gui/single_instance.h"
 
 #include <QCloseEvent>
 #include <QDir>
@@ -17,6 +15,8 @@
 #include "app/quit_prompt.h"
 #include "gui/document_window.h"
 #include "gui/plot_view.h"
+#include "gui/qt_platform.h"
+#include "gui/single_instance.h"
 #include "platform_qt/qt_settings_store.h"
 #include "plot/picture_output.h"
 
@@ -140,10 +140,10 @@ int runDesktop(QApplication& qapp, std::unique_ptr<SingleInstance> instance) {
     Application app(platform, loadPreferences(settings, ensureStartupScript));
     app.setSettingsStore(&settings);
     app.setAutomaticScripts(true);
-    app.setPictureWriter([&app](const SpectrumDocument& doc, const std::string& path,
-                                std::string_view type) {
-        return writePicture(doc, path, type, {}, renderStyle(app.preferences()));
-    });
+    app.setPictureWriter(
+        [&app](const SpectrumDocument& doc, const std::string& path, std::string_view type) {
+            return writePicture(doc, path, type, {}, renderStyle(app.preferences()));
+        });
     MainWindow frame(app, &settings);
     platform.setParent(&frame);
     QObject::connect(instance.get(), &SingleInstance::filesReceived, &frame,

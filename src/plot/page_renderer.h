@@ -16,7 +16,9 @@ namespace zolt {
 struct RenderStyle {
     int palette = 1;  // of the fast plot, the fifth option byte of the preferences
 };
-inline RenderStyle renderStyle(const Preferences& prefs) { return {prefs.optionBytes[4]}; }
+inline RenderStyle renderStyle(const Preferences& prefs) {
+    return {prefs.optionBytes[4]};
+}
 
 // The page is drawn at `size`: when that differs from the page's own size its plots follow the
 // change as they follow a resized window (the document itself is not changed).
