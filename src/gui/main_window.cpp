@@ -90,6 +90,8 @@ void MainWindow::showDocuments() {
         connect(window->plotView(), &PlotView::statusChanged, statusBar(),
                 [this](const QString& text) { statusBar()->showMessage(text); });
         mdi_->addSubWindow(window);
+        // A document alone fills the work space; later ones cascade over it at their own size.
+        if (windows_.size() == 1) window->setGeometry(mdi_->viewport()->rect());
         window->show();
         mdi_->setActiveSubWindow(window);
     }
