@@ -9,7 +9,8 @@ namespace zolt {
 // The stored preferences; the start-up script is made sure of only when scripts run by
 // themselves on opening, so that explicit scripts stay alone.
 Preferences headlessPreferences(const SettingsStore& settings, bool automaticScripts);
-// The settings the application reads later (peak-picking options) and the automatic switch.
+// The settings the application reads later (peak-picking options), the automatic switch, and
+// the picture writer of the `picture` command.
 void useHeadlessSettings(Application& app, SettingsStore& settings, bool automaticScripts);
 
 }  // namespace zolt

@@ -84,10 +84,6 @@ int runPlotCommand(int argc, char** argv, const std::vector<std::string>& args, 
     useHeadlessSettings(app, settings, options->automatic);
     if (options->processed) app.preferences().flags |= pref_flags::kReadProcessedData;
     const RenderStyle style = renderStyle(app.preferences());
-    app.setPictureWriter(
-        [style](const SpectrumDocument& d, const std::string& path, std::string_view type) {
-            return writePicture(d, path, type, {}, style);
-        });
     if (app.open(options->path) == 0 || !app.frontDocument()) return 1;
     SpectrumDocument& doc = *app.frontDocument();
     if (options->width) setClientSize(doc, {options->width, options->height});

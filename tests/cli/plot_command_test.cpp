@@ -17,6 +17,11 @@ TEST(PlotCommand, WritesThePicturesOfAProcessedSpectrum) {
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(testdata::readFile(dir + "/a.png").substr(0, 8), "\x89PNG\r\n\x1a\n");
     EXPECT_NE(testdata::readFile(svg).find("<svg"), std::string::npos);
+    // Scripts run by `run` draw as well, without a screen.
+    const auto run = testdata::runCli(
+        {"run", "-e", "ft() picture('" + dir + "/r.pdf')", testdata::bruker("aspirin-1h")});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(testdata::readFile(dir + "/r.pdf").substr(0, 5), "%PDF-");
 
     for (const std::vector<std::string>& bad :
          {std::vector<std::string>{"plot", "--out", dir + "/b.png"},
