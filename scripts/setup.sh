@@ -5,7 +5,7 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 
 packages=(build-essential cmake pkg-config clang libclang-rt-14-dev unzip
-          liblua5.1-0-dev liblapack-dev libblas-dev qt6-base-dev qt6-svg-dev xvfb xauth x11-apps netpbm
+          liblua5.1-0-dev liblapack-dev libblas-dev qt6-base-dev qt6-svg-dev xvfb xauth xdotool x11-apps netpbm
           libgtest-dev libbenchmark-dev libfftw3-dev)
 missing=()
 for p in "${packages[@]}"; do

@@ -66,6 +66,9 @@ ConsoleWindow::ConsoleWindow(Application& app, QWidget* parent)
     setAttribute(Qt::WA_DeleteOnClose);
     log_->setReadOnly(true);
     log_->setLineWrapMode(QPlainTextEdit::NoWrap);
+    // The console is for typing: the input line has the keys whenever the window has them.
+    log_->setFocusPolicy(Qt::ClickFocus);
+    setFocusProxy(input_);
     input_->installEventFilter(this);
     message_->setToolTip("Lua messages");
     message_->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -189,6 +192,7 @@ void ConsoleWindow::closeEvent(QCloseEvent* event) {
 
 void ConsoleWindow::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
+    input_->setFocus();
     if (!event->spontaneous()) emit visibilityChanged(true);
 }
 
