@@ -12,6 +12,7 @@
 #include "processing/baseline_detection.h"
 #include "processing/least_squares.h"
 #include "processing/phase.h"
+#include "processing/selection.h"
 #include "processing/whittaker.h"
 
 namespace zolt {
@@ -68,9 +69,8 @@ std::vector<size_t> pointsNotAboveCurve(const float* row, const std::vector<size
         residual[r] = row[points[r]] - evaluatePolynomial(c, abscissa[points[r]]);
         distance[r] = std::fabs(residual[r]);
     }
-    auto middle = distance.begin() + static_cast<std::ptrdiff_t>(distance.size() / 2);
-    std::nth_element(distance.begin(), middle, distance.end());
-    const double limit = 3.0 * 1.4826 * *middle;
+    const double median = selectNth(distance.data(), distance.size(), distance.size() / 2);
+    const double limit = 3.0 * 1.4826 * median;
     std::vector<size_t> kept;
     for (size_t r = 0; r < points.size(); ++r)
         if (residual[r] <= limit) kept.push_back(points[r]);
