@@ -184,7 +184,7 @@ std::optional<Message> correctBaseline(SpectrumMatrix& m, int fIndex,
     double carried = 0.0;
     unsigned mode = 0;
     size_t index = 0;
-    forEachRealRow(m, fIndex, [&](float* row, size_t) {
+    forEachRealRowRead(m, fIndex, [&](const float* row, size_t) {
         if (index >= rows) return;
         try {
             detectBaselinePoints(row + lo, n, w, mode, masks.data() + index * n, carried);

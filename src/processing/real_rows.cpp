@@ -36,9 +36,10 @@ bool realRows(const SpectrumMatrix& m, int fIndex, RealRows& rows) {
     return true;
 }
 
-// Units [begin, end) of the walk; fn still sees the rows of a tile one by one, in order.
+// Units [begin, end) of the walk; fn still sees the rows of a tile one by one, in order. A
+// walk that only reads leaves the gathered tiles unwritten.
 void walkUnits(const RealRows& rows, size_t begin, size_t end, std::vector<float>& buffer,
-               const RowFunction& fn) {
+               const RowFunction& fn, bool writeBack = true) {
     const AxisWalk& w = rows.w;
     const size_t block = w.n * w.inner;
     for (size_t u = begin; u < end; ++u) {
@@ -52,6 +53,7 @@ void walkUnits(const RealRows& rows, size_t begin, size_t end, std::vector<float
         for (size_t k = 0; k < w.n; ++k)
             for (size_t j = 0; j < t; ++j) buffer[j * w.n + k] = base[k * w.inner + j];
         for (size_t j = 0; j < t; ++j) fn(buffer.data() + j * w.n, w.n, o * w.inner + j0 + j);
+        if (!writeBack) continue;
         for (size_t k = 0; k < w.n; ++k)
             for (size_t j = 0; j < t; ++j) base[k * w.inner + j] = buffer[j * w.n + k];
     }
@@ -81,6 +83,18 @@ bool forEachRealRow(SpectrumMatrix& m, int fIndex, const std::function<void(floa
     if (!realRows(m, fIndex, rows) || !tileBuffer(rows, buffer)) return false;
     rows.data = m.re.data();
     walkUnits(rows, 0, rows.units(), buffer, [&](float* row, size_t n, size_t) { fn(row, n); });
+    return true;
+}
+
+bool forEachRealRowRead(const SpectrumMatrix& m, int fIndex,
+                        const std::function<void(const float*, size_t)>& fn) {
+    RealRows rows;
+    std::vector<float> buffer;
+    if (!realRows(m, fIndex, rows) || !tileBuffer(rows, buffer)) return false;
+    // Read only: the walk writes nothing back.
+    rows.data = const_cast<float*>(m.re.data());
+    walkUnits(
+        rows, 0, rows.units(), buffer, [&](float* row, size_t n, size_t) { fn(row, n); }, false);
     return true;
 }
 
