@@ -10,7 +10,9 @@
 #endif
 
 #include "processing/baseline_detection.h"
+#include "processing/least_squares.h"
 #include "processing/phase.h"
+#include "processing/selection.h"
 #include "processing/whittaker.h"
 
 namespace zolt {
@@ -22,75 +24,6 @@ constexpr int kMaxBaselineRefits = 50;
 
 bool axisUsable(const SpectrumMatrix& m, int fIndex) {
     return fIndex >= 1 && fIndex <= 3 && m.dims[fIndex].points >= 2;
-}
-
-// Applies the reflection I - 2 v v' / vv (v nonzero from row j on) to the columns first ...
-// last - 1 of the column-major matrix a of m rows. Four columns go through the rows side by
-// side: each dot product keeps its own order of additions, and the four chains overlap.
-void reflectColumns(double* a, size_t first, size_t last, const double* v, double vv, size_t j,
-                    size_t m) {
-    for (size_t l = first; l < last; l += 4) {
-        const size_t k = std::min<size_t>(4, last - l);
-        double* x0 = a + l * m;
-        double* x1 = a + (l + std::min<size_t>(1, k - 1)) * m;
-        double* x2 = a + (l + std::min<size_t>(2, k - 1)) * m;
-        double* x3 = a + (l + std::min<size_t>(3, k - 1)) * m;
-        double s0 = 0.0, s1 = 0.0, s2 = 0.0, s3 = 0.0;
-        for (size_t i = j; i < m; ++i) {
-            s0 += v[i] * x0[i];
-            s1 += v[i] * x1[i];
-            s2 += v[i] * x2[i];
-            s3 += v[i] * x3[i];
-        }
-        double* columns[4] = {x0, x1, x2, x3};
-        const double sums[4] = {s0, s1, s2, s3};
-        for (size_t t = 0; t < k; ++t) {
-            double s = sums[t];
-            s *= 2.0 / vv;
-            double* x = columns[t];
-            size_t i = j;
-#if defined(__SSE2__)
-            // Two rows per instruction, each lane the same product and difference.
-            const __m128d sv = _mm_set1_pd(s);
-            for (; i + 2 <= m; i += 2)
-                _mm_storeu_pd(x + i,
-                              _mm_sub_pd(_mm_loadu_pd(x + i), _mm_mul_pd(sv, _mm_loadu_pd(v + i))));
-#endif
-            for (; i < m; ++i) x[i] -= s * v[i];
-        }
-    }
-}
-
-// Householder QR of the m x p column-major matrix a, applied to b (column p of a) as well;
-// then back substitution, a coefficient whose diagonal element is below the limit being 0.
-std::vector<double> solveLeastSquares(double* a, size_t m, size_t p) {
-    std::vector<double> diag(p, 0.0), v(m);
-    const double* b = a + p * m;
-    for (size_t j = 0; j < p; ++j) {
-        double* col = a + j * m;
-        double norm = 0.0;
-        for (size_t i = j; i < m; ++i) norm += col[i] * col[i];
-        norm = std::sqrt(norm);
-        if (norm == 0.0) continue;
-        const double alpha = col[j] > 0.0 ? -norm : norm;
-        v[j] = col[j] - alpha;
-        double vv = v[j] * v[j];
-        for (size_t i = j + 1; i < m; ++i) {
-            v[i] = col[i];
-            vv += v[i] * v[i];
-        }
-        diag[j] = alpha;
-        if (vv == 0.0) continue;
-        reflectColumns(a, j + 1, p + 1, v.data(), vv, j, m);
-    }
-    std::vector<double> c(p, 0.0);
-    for (size_t j = p; j-- > 0;) {
-        if (std::fabs(diag[j]) < kQrZeroLimit) continue;
-        double s = b[j];
-        for (size_t l = j + 1; l < p; ++l) s -= a[l * m + j] * c[l];
-        c[j] = s / diag[j];
-    }
-    return c;
 }
 
 // At most m of the points, evenly spread over the list.
@@ -113,13 +46,15 @@ std::vector<double> abscissae(size_t n) {
 // that has grown once is neither cleared nor grown again.
 std::vector<double> fitThrough(const float* row, const std::vector<size_t>& points,
                                const double* abscissa, size_t p, std::vector<double>& a) {
-    const size_t m = points.size();
-    if (a.size() < m * (p + 1)) a.resize(m * (p + 1));
+    const size_t m = points.size(), stride = leastSquaresStride(p);
+    if (a.size() < m * stride) a.resize(m * stride);
     for (size_t r = 0; r < m; ++r) {
+        double* out = a.data() + r * stride;
         const double x = abscissa[points[r]];
         double power = 1.0;
-        for (size_t j = 0; j < p; ++j, power *= x) a[j * m + r] = power;
-        a[p * m + r] = row[points[r]];
+        for (size_t j = 0; j < p; ++j, power *= x) out[j] = power;
+        out[p] = row[points[r]];
+        for (size_t j = p + 1; j < stride; ++j) out[j] = 0.0;
     }
     return solveLeastSquares(a.data(), m, p);
 }
@@ -134,9 +69,8 @@ std::vector<size_t> pointsNotAboveCurve(const float* row, const std::vector<size
         residual[r] = row[points[r]] - evaluatePolynomial(c, abscissa[points[r]]);
         distance[r] = std::fabs(residual[r]);
     }
-    auto middle = distance.begin() + static_cast<std::ptrdiff_t>(distance.size() / 2);
-    std::nth_element(distance.begin(), middle, distance.end());
-    const double limit = 3.0 * 1.4826 * *middle;
+    const double median = selectNth(distance.data(), distance.size(), distance.size() / 2);
+    const double limit = 3.0 * 1.4826 * median;
     std::vector<size_t> kept;
     for (size_t r = 0; r < points.size(); ++r)
         if (residual[r] <= limit) kept.push_back(points[r]);
@@ -250,7 +184,7 @@ std::optional<Message> correctBaseline(SpectrumMatrix& m, int fIndex,
     double carried = 0.0;
     unsigned mode = 0;
     size_t index = 0;
-    forEachRealRow(m, fIndex, [&](float* row, size_t) {
+    forEachRealRowRead(m, fIndex, [&](const float* row, size_t) {
         if (index >= rows) return;
         try {
             detectBaselinePoints(row + lo, n, w, mode, masks.data() + index * n, carried);

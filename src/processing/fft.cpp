@@ -124,6 +124,39 @@ struct AvxFmaPack : AvxPack {
         ai = _mm256_add_pd(ai, ti);
     }
 };
+
+// Eight lanes: the same loads, sums and rounding as the four-lane pack with multiply-add. The
+// conversions are the zero-masked forms with every lane set, which are the plain instructions
+// but spare GCC 12 its false warning about the undefined source of the unmasked ones.
+struct Avx512Pack {
+    using D = __m512d;
+    static constexpr size_t width = 8;
+    [[gnu::target("avx512f")]] static inline void load(const float* p, D& d) {
+        d = _mm512_maskz_cvtps_pd(0xFF, _mm256_loadu_ps(p));
+    }
+    [[gnu::target("avx512f")]] static inline void load(const double* p, D& d) {
+        d = _mm512_loadu_pd(p);
+    }
+    [[gnu::target("avx512f")]] static inline void store(float* p, const D& d) {
+        _mm256_storeu_ps(p, _mm512_maskz_cvtpd_ps(0xFF, d));
+    }
+    [[gnu::target("avx512f")]] static inline void roundToFloat(D& d) {
+        d = _mm512_maskz_cvtps_pd(0xFF, _mm512_maskz_cvtpd_ps(0xFF, d));
+    }
+    [[gnu::target("avx512f")]] static inline void butterfly(D& ar, D& ai, D& br, D& bi, const D& wr,
+                                                            const D& wi) {
+        const D one = _mm512_set1_pd(1.0), minusOne = _mm512_set1_pd(-1.0);
+        D p1 = _mm512_mul_pd(wr, br), p2 = _mm512_mul_pd(wi, bi);
+        D p3 = _mm512_mul_pd(wr, bi), p4 = _mm512_mul_pd(wi, br);
+        asm("" : "+v"(p1), "+v"(p2), "+v"(p3), "+v"(p4));
+        const D tr = _mm512_fmadd_pd(p2, minusOne, p1);  // p1 - p2
+        const D ti = _mm512_fmadd_pd(p3, one, p4);       // p3 + p4
+        br = _mm512_fmadd_pd(tr, minusOne, ar);          // ar - tr
+        bi = _mm512_fmadd_pd(ti, minusOne, ai);          // ai - ti
+        ar = _mm512_add_pd(ar, tr);
+        ai = _mm512_add_pd(ai, ti);
+    }
+};
 #else
 struct ScalarPack {
     using D = double;
@@ -204,32 +237,49 @@ template <typename P>
     }
 }
 
-// Stages first ... last-1 (stage k has half-span 4 << k) over len points, two at a time.
-template <typename P>
+// Stages first ... last-1 (stage k has half-span 4 << k) over len points, two at a time; the
+// narrow pack N takes the stages whose half-span is below P's width.
+template <typename P, typename N>
 [[gnu::always_inline]] inline void radix2Stages(float* re, float* im, size_t len, int direction,
                                                 const StageAngle* angles, size_t first,
                                                 size_t last) {
     size_t k = first;
-    for (; k + 1 < last; k += 2)
-        radix2StagePair<P>(re, im, len, k, direction, angles[k], angles[k + 1]);
-    if (k < last) radix2Stage<P>(re, im, len, k, direction, angles[k]);
+    for (; k + 1 < last; k += 2) {
+        if ((size_t{4} << k) < P::width)
+            radix2StagePair<N>(re, im, len, k, direction, angles[k], angles[k + 1]);
+        else
+            radix2StagePair<P>(re, im, len, k, direction, angles[k], angles[k + 1]);
+    }
+    if (k < last) {
+        if ((size_t{4} << k) < P::width)
+            radix2Stage<N>(re, im, len, k, direction, angles[k]);
+        else
+            radix2Stage<P>(re, im, len, k, direction, angles[k]);
+    }
 }
 
 // The radix-2 stages after the permutation and its radix-4 pass. The stages whose groups of 2h
 // fit in a cache span run span by span; the wider stages then sweep the whole array.
-template <typename P>
+template <typename P, typename N = P>
 [[gnu::always_inline]] inline void butterflyPasses(float* re, float* im, size_t n, int direction,
                                                    const StageAngle* angles, size_t stages) {
     const size_t span = std::min(n, kCacheSpan);
     size_t local = 0;
     while ((size_t{8} << local) <= span) ++local;
     for (size_t start = 0; start < n; start += span) {
-        radix2Stages<P>(re + start, im + start, span, direction, angles, 0, local);
+        radix2Stages<P, N>(re + start, im + start, span, direction, angles, 0, local);
     }
-    radix2Stages<P>(re, im, n, direction, angles, local, stages);
+    radix2Stages<P, N>(re, im, n, direction, angles, local, stages);
 }
 
 #ifdef ZOLT_FFT_X86
+[[gnu::target("avx512f,avx,fma")]] void butterflyPassesAvx512(float* re, float* im, size_t n,
+                                                              int direction,
+                                                              const StageAngle* angles,
+                                                              size_t stages) {
+    butterflyPasses<Avx512Pack, AvxFmaPack>(re, im, n, direction, angles, stages);
+}
+
 [[gnu::target("avx,fma")]] void butterflyPassesAvxFma(float* re, float* im, size_t n, int direction,
                                                       const StageAngle* angles, size_t stages) {
     butterflyPasses<AvxFmaPack>(re, im, n, direction, angles, stages);
@@ -244,7 +294,10 @@ template <typename P>
 void butterflyPassesAnyCpu(float* re, float* im, size_t n, int direction, const StageAngle* angles,
                            size_t stages) {
 #ifdef ZOLT_FFT_X86
-    // Four-lane kernels need at least 4 points per half-span, which h >= 4 guarantees.
+    // Four-lane kernels need at least 4 points per half-span, which h >= 4 guarantees; the
+    // eight-lane one hands the stages of h = 4 to the four-lane one.
+    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("fma"))
+        return butterflyPassesAvx512(re, im, n, direction, angles, stages);
     if (__builtin_cpu_supports("avx") && __builtin_cpu_supports("fma"))
         return butterflyPassesAvxFma(re, im, n, direction, angles, stages);
     if (__builtin_cpu_supports("avx"))

@@ -72,7 +72,7 @@ void readTile(const float* re, const float* im, size_t mid, size_t width, size_t
 // partner's point (reverse(lo), reverse(hi)); each run of four then gets its radix-4 pass.
 void writeTile(float* re, float* im, size_t mid, size_t width, size_t rowStride, const uint8_t* rev,
                const Tile& from, float sign) {
-    float r[kTile], x[kTile];
+    float r[kTile] = {}, x[kTile] = {};  // set so that no compiler sees a lane unset
     for (size_t hi = 0; hi < width; ++hi) {
         const size_t column = rev[hi];
         for (size_t lo = 0; lo < width; ++lo) {

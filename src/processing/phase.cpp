@@ -148,11 +148,15 @@ void rotateWalk(float* a, float* b, const AxisWalk& w, double a0, double step) {
 void phasePairs(float* a, float* b, const AxisWalk& w, size_t count, double phaseA, double phaseB) {
     if (std::fabs(phaseB) <= kFirstOrderNegligible) {
         if (std::fabs(std::sin(phaseA)) > kSineNegligible) {
-            // One angle for all: pieces of the row rotated apart take the same products.
+            // One angle for all: pieces of the row rotated apart take the same products. A step
+            // of 0 leaves the advanced cosine and sine as they were, so every point takes the
+            // float cosine and sine of phaseA.
             constexpr size_t kPiece = 4096;
+            const float c = static_cast<float>(std::cos(phaseA));
+            const float s = static_cast<float>(std::sin(phaseA));
             forEachRowRange((count + kPiece - 1) / kPiece, 4, [&](size_t begin, size_t end) {
                 const size_t from = begin * kPiece, to = std::min(count, end * kPiece);
-                rotateStreaming(a + from, b + from, AxisWalk{to - from, 1, 1}, phaseA, 0.0);
+                rotatePairs(a + from, b + from, c, s, to - from);
             });
         } else if (std::cos(phaseA) < 0.0) {
             for (size_t i = 0; i < count; ++i) {

@@ -13,6 +13,10 @@ namespace zolt {
 // matrix is inconsistent (buffer shorter than its points) or the buffer cannot be had.
 bool forEachRealRow(SpectrumMatrix& m, int fIndex, const std::function<void(float*, size_t)>& fn);
 
+// The same for a function that only reads the rows: nothing is written back.
+bool forEachRealRowRead(const SpectrumMatrix& m, int fIndex,
+                        const std::function<void(const float*, size_t)>& fn);
+
 // The number of those rows; 0 when the matrix is inconsistent.
 size_t realRowCount(const SpectrumMatrix& m, int fIndex);
 

@@ -1,0 +1,43 @@
+// The rows of a strided axis as the baseline passes see them: gathered in tiles (whole and
+// partial, row counts off the 4 x 4 blocks) and written back exactly.
+#include "processing/real_rows.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace zolt {
+namespace {
+
+TEST(RealRows, StridedRowsAreGatheredAndWrittenBackPointForPoint) {
+    for (uint32_t n1 : {3u, 7u, 8u, 13u}) {
+        for (uint32_t n2 : {5u, 16u, 21u, 37u}) {
+            SpectrumMatrix m;
+            m.dims[1].points = n1;
+            m.dims[2].points = n2;
+            m.contiguous = 2;
+            m.re.resize(size_t{n1} * n2);
+            for (size_t i = 0; i < m.re.size(); ++i) m.re[i] = static_cast<float>(i);
+            // Along f1, row j holds the points j, j + n2, j + 2 n2, ...
+            std::vector<float> seen;
+            ASSERT_TRUE(forEachRealRowRead(m, 1, [&](const float* row, size_t n) {
+                ASSERT_EQ(n, n1);
+                seen.insert(seen.end(), row, row + n);
+            }));
+            ASSERT_EQ(seen.size(), m.re.size());
+            for (size_t j = 0; j < n2; ++j)
+                for (size_t k = 0; k < n1; ++k)
+                    ASSERT_EQ(seen[j * n1 + k], static_cast<float>(k * n2 + j)) << n1 << "x" << n2;
+            ASSERT_TRUE(forEachRealRowInParallel(m, 1, [&](float* row, size_t n, size_t r) {
+                for (size_t k = 0; k < n; ++k) row[k] = static_cast<float>(r * 1000 + k);
+            }));
+            for (size_t k = 0; k < n1; ++k)
+                for (size_t j = 0; j < n2; ++j)
+                    ASSERT_EQ(m.re[k * n2 + j], static_cast<float>(j * 1000 + k))
+                        << n1 << "x" << n2;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace zolt
