@@ -5,6 +5,7 @@
 #include "app/command_table.h"
 #include "app/document_opening.h"
 #include "app/integral_copy.h"
+#include "app/window_arrangement.h"
 #include "document/processing_log.h"
 #include "model/display_record.h"
 #include "operations/analysis_tables.h"
@@ -149,6 +150,8 @@ std::vector<ItemState> documentMenuItems(Menu menu, const SpectrumDocument& doc)
             const uint32_t mode = shown & display_flags::kPlotModeMask;
             for (int id = kFastPlot; id <= kChessboard; ++id)
                 items.push_back(item(id, twoD, twoD && mode == uint32_t(id - kFastPlot)));
+            // A trace has a threshold and a ratio of its own too.
+            items.push_back(item(kLevelsColors, data && !doc.page.plots.empty()));
             return items;
         }
         case Menu::View:
@@ -167,6 +170,9 @@ std::vector<ItemState> documentMenuItems(Menu menu, const SpectrumDocument& doc)
                     item(kMagnitude, done, doc.matrix.state & matrix_state::kMagnitude),
                     item(kAutomaticBaseline, done),
                     item(kStraightLine, done)};
+        case Menu::Window:
+            return {item(kTileVertically, true), item(kTileHorizontally, true),
+                    item(kDoNotTile, true)};
         default:
             return {};
     }

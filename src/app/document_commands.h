@@ -10,6 +10,11 @@
 
 namespace zolt {
 
+namespace command_ids {
+// Format > Level && Colors...: the document window opens its dialog.
+inline constexpr int kLevelsColors = 404;
+}  // namespace command_ids
+
 struct DocumentCommand {
     bool handled = false;  // the document takes the command; otherwise the frame goes on
     OperationResult result;

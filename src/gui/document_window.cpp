@@ -8,6 +8,7 @@
 #include "app/document_commands.h"
 #include "document/document_file.h"
 #include "document/folder_export.h"
+#include "gui/levels_colors_dialog.h"
 #include "gui/plot_view.h"
 
 namespace zolt {
@@ -54,6 +55,10 @@ bool DocumentWindow::handleCommand(int id) {
         exportPackage();
         return true;
     }
+    if (id == kLevelsColors) {
+        showLevelsColors();
+        return true;
+    }
     const DocumentCommand command = runDocumentCommand(app_, document_, id);
     if (!command.handled) return false;
     if (command.result.message)
@@ -78,6 +83,13 @@ void DocumentWindow::documentChanged() {
 void DocumentWindow::closeEvent(QCloseEvent* event) {
     event->accept();
     emit closing(this);
+}
+
+// Window-modal: the page it edits stays as it is meanwhile; it goes with the window.
+void DocumentWindow::showLevelsColors() {
+    auto* dialog = new LevelsColorsDialog(*view_, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
 }
 
 // File > Export...: the document as a package folder, as the export script command writes it.

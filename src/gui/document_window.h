@@ -39,6 +39,7 @@ protected:
 
 private:
     void exportPackage();
+    void showLevelsColors();
 
     Application& app_;
     SpectrumDocument& document_;

@@ -41,7 +41,7 @@ void MainWindow::runCommand(int id) {
 }
 
 bool MainWindow::frameCommand(int id) {
-    if (frameDialog(id)) return true;
+    if (frameDialog(id) || windowCommand(id)) return true;
     switch (id) {
         case kOpen:
         case kOpenFolder:

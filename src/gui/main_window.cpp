@@ -89,6 +89,8 @@ void MainWindow::showDocuments() {
         connect(window, &DocumentWindow::closing, this, &MainWindow::closeWindow);
         connect(window->plotView(), &PlotView::statusChanged, statusBar(),
                 [this](const QString& text) { statusBar()->showMessage(text); });
+        connect(window->plotView(), &PlotView::traceZoomed, this,
+                [this, window](double from, double to) { traceZoomed(window, from, to); });
         mdi_->addSubWindow(window);
         // A document alone fills the work space; later ones cascade over it at their own size.
         if (windows_.size() == 1) window->setGeometry(mdi_->viewport()->rect());

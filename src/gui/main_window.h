@@ -48,6 +48,9 @@ public:
     // every window redrawn.
     void scriptsRan();
 
+    // The synchronisation mode of tiled windows: 0 none, 1 smart marks, 2 synchronize.
+    int synchronisation() const { return synchronisation_; }
+
     // The action of a table row (the first of a range); nullptr for an identifier not built.
     QAction* action(int id) const;
     DocumentWindow* windowOf(const SpectrumDocument& document) const;
@@ -89,6 +92,12 @@ private:
     void toggleConsole();
     void print();
     void pageSetup();
+
+    // frame_windows.cpp: the Window menu.
+    enum class Arrangement { SideBySide, OneAboveTheOther, Cascade };
+    bool windowCommand(int id);
+    void arrangeWindows(Arrangement arrangement);
+    void traceZoomed(DocumentWindow* window, double fromPpm, double toPpm);
 
     // main_window.cpp
     void closeWindow(DocumentWindow* window);

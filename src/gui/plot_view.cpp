@@ -172,7 +172,9 @@ void PlotView::zoomTo(const PlotSpan& span) {
     RegionPairs pairs;
     pairs[0] = span.x;
     if (span.y) pairs[1] = *span.y;
-    if (showRegion(document_, pairs).applied) update();
+    if (!showRegion(document_, pairs).applied) return;
+    update();
+    if (!span.y) emit traceZoomed(span.x[0], span.x[1]);
 }
 
 void PlotView::pickIn(const PlotSpan& span) {

@@ -50,6 +50,8 @@ signals:
     void modified();
     // A tool key or setTool chose another tool.
     void toolChanged(int toolId);
+    // The zoom tool showed another horizontal ppm range of a trace (synchronised windows follow).
+    void traceZoomed(double fromPpm, double toPpm);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
