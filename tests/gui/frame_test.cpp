@@ -1,9 +1,11 @@
 // The frame: shortcuts reach their commands, Open Folder's limit, the quit prompt, recent files
 // and automatic processing on opening, on real data.
+#include <QDropEvent>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QTest>
 #include <QTimer>
 #include <filesystem>
@@ -15,6 +17,8 @@
 #include "app/recording_platform.h"
 #include "gui/document_window.h"
 #include "gui/main_window.h"
+#include "gui/plot_view.h"
+#include "plot/page_renderer.h"
 #include "test_data.h"
 
 using namespace zolt;
@@ -33,6 +37,38 @@ QMenu* menuOf(MainWindow& frame, int id) {
     while (menu && qobject_cast<QMenu*>(menu->parent()))
         menu = qobject_cast<QMenu*>(menu->parent());
     return menu;
+}
+
+// A drop of these paths on the frame, as the platform delivers it; whether the drag was taken.
+bool drop(MainWindow& frame, const QStringList& paths) {
+    QMimeData data;
+    QList<QUrl> urls;
+    for (const QString& path : paths) urls << QUrl::fromLocalFile(path);
+    data.setUrls(urls);
+    QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&frame, &enter);
+    QDropEvent dropped(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&frame, &dropped);
+    return enter.isAccepted() && dropped.isAccepted();
+}
+
+QList<QRect> windowRects(MainWindow& frame) {
+    QList<QRect> rects;
+    for (const auto& doc : frame.application().documentList())
+        rects << frame.windowOf(*doc)->geometry();
+    return rects;
+}
+
+// The rectangles lie inside the work space, overlap nowhere and cover all of it.
+bool coverWithoutOverlap(const QList<QRect>& rects, const QRect& space) {
+    int area = 0;
+    for (int i = 0; i < rects.size(); ++i) {
+        if (!space.contains(rects[i])) return false;
+        for (int j = i + 1; j < rects.size(); ++j)
+            if (rects[i].intersects(rects[j])) return false;
+        area += rects[i].width() * rects[i].height();
+    }
+    return area == space.width() * space.height();
 }
 
 }  // namespace
@@ -192,6 +228,77 @@ private slots:
         QCOMPARE(scripts->actions()[1]->text(), QString("unpick"));
         frame.runCommand(5001);
         QCOMPARE(doc.marks[0], std::vector<float>{7.0f});
+    }
+
+    // The first dropped path opens: a data-set folder as Open Folder, a file as Open.
+    void droppedPathsOpen() {
+        testing::RecordingPlatform platform;
+        Application app(platform);
+        MainWindow frame(app);
+        QVERIFY(drop(frame, {QString::fromStdString(testdata::bruker("naphtoicAcid-1h"))}));
+        QCOMPARE(windowCount(frame), 1);
+        const QString jcamp = QString::fromStdString(testdata::root() + "/jcamp/aspirin-1h.dx");
+        QVERIFY(drop(frame, {jcamp, jcamp}));
+        QCOMPARE(windowCount(frame), 2);
+        QCOMPARE(frame.frontWindow()->windowTitle(),
+                 QString::fromStdString(app.frontDocument()->windowName));
+        QVERIFY(platform.boxes.empty());
+    }
+
+    // Tiled windows share the work space; with Synchronize on, a zoom of one trace zooms the
+    // other over the same ppm range.
+    void tilingAndSynchronizedZoom() {
+        testing::RecordingPlatform platform;
+        Application app(platform);
+        MainWindow frame(app);
+        frame.resize(1000, 700);
+        frame.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&frame));
+        for (const char* set : {"aspirin-1h", "naphtoicAcid-1h"}) {
+            frame.openPath(QString::fromStdString(testdata::bruker(set)));
+            frame.runCommand(602);  // FT now
+        }
+        const QRect space = frame.findChild<QMdiArea*>()->viewport()->rect();
+        for (int id : {901, 902}) {
+            frame.runCommand(id);
+            const QList<QRect> rects = windowRects(frame);
+            QVERIFY(coverWithoutOverlap(rects, space));
+            // Side by side (901), or one above the other (902), the front window first.
+            QCOMPARE(rects[0].height(), id == 901 ? space.height() : space.height() / 2);
+            QCOMPARE(rects[0].topLeft(), QPoint(0, 0));
+        }
+        frame.runCommand(903);
+        QVERIFY(windowRects(frame)[0].topLeft() != QPoint(0, 0));
+
+        QMenu* window = menuOf(frame, 904);
+        frame.runCommand(905);
+        frame.runCommand(904);
+        emit window->aboutToShow();
+        QVERIFY(frame.action(904)->isChecked() && !frame.action(905)->isChecked());
+        QVERIFY(frame.action(901)->isEnabled() && !frame.action(906)->isEnabled());
+        emit window->aboutToHide();
+
+        frame.runCommand(901);
+        SpectrumDocument& front = *app.frontDocument();
+        SpectrumDocument& back = *app.documentList().back();
+        const std::vector<float> backBefore = back.page.plots.front().horizontal.ppm;
+        PlotView* view = frame.frontWindow()->plotView();
+        view->setTool(851);
+        // From 9 to 6 ppm, inside both spectra.
+        const SegmentMap x = drawnMainPlot(front, view->size())->frame.x.front();
+        const int y = view->height() / 2, left = int(x.pixel(9.0)), right = int(x.pixel(6.0));
+        QTest::mousePress(view, Qt::LeftButton, {}, QPoint(left, y));
+        QTest::mouseMove(view, QPoint(right, y));
+        QTest::mouseRelease(view, Qt::LeftButton, {}, QPoint(right, y));
+        const std::vector<float> zoomed = front.page.plots.front().horizontal.ppm;
+        QCOMPARE(back.page.plots.front().horizontal.ppm, zoomed);
+        QVERIFY(zoomed != backBefore);
+
+        // Off again: the windows zoom alone.
+        frame.runCommand(904);
+        QCOMPARE(frame.synchronisation(), 0);
+        frame.runCommand(501);  // Full, of the front document only
+        QCOMPARE(back.page.plots.front().horizontal.ppm, zoomed);
     }
 };
 
