@@ -178,6 +178,26 @@ std::vector<ItemState> documentMenuItems(Menu menu, const SpectrumDocument& doc)
     }
 }
 
+std::string dataSetTitle(const SpectrumDocument& doc) {
+    static constexpr std::string_view kExtract = "EXTRACT of ";
+    std::string_view name = doc.windowName;
+    size_t prefix = 0;
+    while (name.substr(prefix).starts_with(kExtract)) prefix += kExtract.size();
+    if (!hasData(doc)) return doc.windowName;
+    const std::string_view path = name.substr(prefix);
+    const size_t last = path.rfind('/');
+    if (last == std::string_view::npos) return doc.windowName;
+    size_t begin = last + 1;
+    // A Bruker experiment number names nothing alone: its data set's folder goes with it.
+    const std::string_view tail = path.substr(begin);
+    if (!tail.empty() && tail.find_first_not_of("0123456789") == std::string_view::npos &&
+        last > 0) {
+        const size_t before = path.rfind('/', last - 1);
+        begin = before == std::string_view::npos ? 0 : before + 1;
+    }
+    return std::string(name.substr(0, prefix)) + std::string(path.substr(begin));
+}
+
 bool revertToSaved(Application& app, SpectrumDocument& doc) {
     if (doc.documentPath.empty()) return false;
     Message failure;

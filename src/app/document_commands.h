@@ -2,6 +2,7 @@
 // operations as their script twins, and what it enables and checks when a menu opens.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "app/application.h"
@@ -26,6 +27,11 @@ DocumentCommand runDocumentCommand(Application& app, SpectrumDocument& doc, int 
 
 // What the document enables and checks in a menu, for the commands above.
 std::vector<ItemState> documentMenuItems(Menu menu, const SpectrumDocument& doc);
+
+// What the document's window shows as its title: the data set rather than the path of its
+// window name ("cyclosporin_hsqc/3" for ".../data/cyclosporin_hsqc/3", "aspirin.dx"), with
+// the name's "EXTRACT of " prefixes; a document without data keeps its name.
+std::string dataSetTitle(const SpectrumDocument& doc);
 
 // Revert to Saved: the document read again from its document file; false when it has none or
 // it cannot be read (the message is shown).

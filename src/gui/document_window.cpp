@@ -35,7 +35,7 @@ DocumentWindow::DocumentWindow(Application& app, SpectrumDocument& document, QWi
       document_(document),
       view_(new PlotView(app, document, this)) {
     setWidget(view_);
-    setWindowTitle(QString::fromStdString(document.windowName));
+    setWindowTitle(QString::fromStdString(dataSetTitle(document)));
     connect(view_, &PlotView::modified, this, &DocumentWindow::documentChanged);
     resize(820, 560);
 }
@@ -76,7 +76,7 @@ std::vector<ItemState> DocumentWindow::menuItems(Menu menu) const {
 }
 
 void DocumentWindow::documentChanged() {
-    setWindowTitle(QString::fromStdString(document_.windowName));
+    setWindowTitle(QString::fromStdString(dataSetTitle(document_)));
     view_->documentChanged();
 }
 
@@ -85,11 +85,15 @@ void DocumentWindow::closeEvent(QCloseEvent* event) {
     emit closing(this);
 }
 
-// Window-modal: the page it edits stays as it is meanwhile; it goes with the window.
+// Modeless, as the phase dialog: one per window, which it goes with.
 void DocumentWindow::showLevelsColors() {
-    auto* dialog = new LevelsColorsDialog(*view_, this);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->open();
+    if (!levelsColors_) {
+        levelsColors_ = new LevelsColorsDialog(*view_, this);
+        levelsColors_->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    levelsColors_->show();
+    levelsColors_->raise();
+    levelsColors_->activateWindow();
 }
 
 // File > Export...: the document as a package folder, as the export script command writes it.

@@ -2,7 +2,9 @@
 // it enables in the menus.
 #pragma once
 
+#include <QDialog>
 #include <QMdiSubWindow>
+#include <QPointer>
 #include <vector>
 
 #include "app/menu_enabling.h"
@@ -44,6 +46,7 @@ private:
     Application& app_;
     SpectrumDocument& document_;
     PlotView* view_;
+    QPointer<QDialog> levelsColors_;
 };
 
 }  // namespace zolt

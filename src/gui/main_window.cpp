@@ -13,6 +13,7 @@
 #include "app/application.h"
 #include "app/automatic_processing.h"
 #include "app/quit_prompt.h"
+#include "app/window_arrangement.h"
 #include "gui/document_window.h"
 #include "gui/plot_view.h"
 #include "gui/qt_platform.h"
@@ -92,8 +93,16 @@ void MainWindow::showDocuments() {
         connect(window->plotView(), &PlotView::traceZoomed, this,
                 [this, window](double from, double to) { traceZoomed(window, from, to); });
         mdi_->addSubWindow(window);
-        // A document alone fills the work space; later ones cascade over it at their own size.
-        if (windows_.size() == 1) window->setGeometry(mdi_->viewport()->rect());
+        // A document alone fills the work space; later ones cascade over it at their own size,
+        // each a step below and right of the one before, so that every title stays in sight.
+        const QSize space = mdi_->viewport()->size();
+        if (windows_.size() == 1) {
+            window->setGeometry(mdi_->viewport()->rect());
+        } else {
+            const WindowRect r =
+                cascadeWindows(int(windows_.size()), space.width(), space.height()).front();
+            window->setGeometry(r.x, r.y, r.width, r.height);
+        }
         window->show();
         mdi_->setActiveSubWindow(window);
     }

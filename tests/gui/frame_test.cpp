@@ -16,6 +16,7 @@
 #include "app/document_opening.h"
 #include "app/recording_platform.h"
 #include "gui/document_window.h"
+#include "gui/levels_colors_dialog.h"
 #include "gui/main_window.h"
 #include "gui/plot_view.h"
 #include "plot/page_renderer.h"
@@ -237,11 +238,12 @@ private slots:
         MainWindow frame(app);
         QVERIFY(drop(frame, {QString::fromStdString(testdata::bruker("naphtoicAcid-1h"))}));
         QCOMPARE(windowCount(frame), 1);
+        // The window names the data set, not the folders above it.
+        QCOMPARE(frame.frontWindow()->windowTitle(), QString("naphtoicAcid-1h/1"));
         const QString jcamp = QString::fromStdString(testdata::root() + "/jcamp/aspirin-1h.dx");
         QVERIFY(drop(frame, {jcamp, jcamp}));
         QCOMPARE(windowCount(frame), 2);
-        QCOMPARE(frame.frontWindow()->windowTitle(),
-                 QString::fromStdString(app.frontDocument()->windowName));
+        QCOMPARE(frame.frontWindow()->windowTitle(), QString("aspirin-1h.dx"));
         QVERIFY(platform.boxes.empty());
     }
 
@@ -277,6 +279,14 @@ private slots:
         QVERIFY(frame.action(904)->isChecked() && !frame.action(905)->isChecked());
         QVERIFY(frame.action(901)->isEnabled() && !frame.action(906)->isEnabled());
         emit window->aboutToHide();
+
+        // Format > Level && Colors... is a trace's command too: its dialog opens, once.
+        emit menuOf(frame, 404)->aboutToShow();
+        QVERIFY(frame.action(404)->isEnabled());
+        frame.runCommand(404);
+        frame.runCommand(404);
+        QCOMPARE(frame.frontWindow()->findChildren<LevelsColorsDialog*>().size(), 1);
+        frame.frontWindow()->findChild<LevelsColorsDialog*>()->reject();
 
         frame.runCommand(901);
         SpectrumDocument& front = *app.frontDocument();
