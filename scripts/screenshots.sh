@@ -64,8 +64,11 @@ if [ "${1:-}" = "--on-screen" ]; then
     # A window still busy shows nothing but black, a picture of a few hundred bytes: it is
     # grabbed again until it has drawn itself (at most 20 seconds).
     window() {
+        local id
         for _ in $(seq 100); do
-            xwd -silent -name "$1" | xwdtopnm 2>/dev/null | pnmtopng > "$out/$2.png"
+            # By the id of the visible window: a name may also belong to a hidden one.
+            id=$(xdotool search --onlyvisible --name "^$1\$" | head -1 || true)
+            [ -n "$id" ] && xwd -silent -id "$id" | xwdtopnm 2>/dev/null | pnmtopng > "$out/$2.png"
             [ "$(stat -c %s "$out/$2.png")" -gt 2000 ] && return
             sleep 0.2
         done
@@ -86,22 +89,10 @@ if [ "${1:-}" = "--on-screen" ]; then
                 sleep 1.5
             done
         }
-        key ctrl+k
-        window "Phase Correction" phase-dialog
-        closeDialog "Phase Correction"
-        key ctrl+0
-        window Console console
-        key ctrl+0
         # The HSQC, handed to the running program as a second start would, processed there.
         ZOLT_INSTANCE_NAME=$ZOLT_INSTANCE_NAME "$zolt" "$hsqc" 2>> "$out/zolt.log"
         settle 60
         window Zolt hsqc
-        key ctrl+u
-        window "Levels & Colors" levels-colors
-        closeDialog "Levels & Colors"
-        key ctrl+q
-        window Settings settings
-        closeDialog Settings
         # Window > Tile Vertically: the menu opened with a click on its title, the first item
         # chosen with the keys (no window manager gives the menu bar keyboard access).
         frame=$(xdotool search --onlyvisible --name '^Zolt$' | head -1)
@@ -110,6 +101,18 @@ if [ "${1:-}" = "--on-screen" ]; then
         xdotool key Down Return
         sleep 3
         window Zolt tiled
+        key ctrl+u
+        window "Levels & Colors" levels-colors
+        closeDialog "Levels & Colors"
+        key ctrl+q
+        window Settings settings
+        closeDialog Settings
+        key ctrl+k
+        window "Phase Correction" phase-dialog
+        closeDialog "Phase Correction"
+        key ctrl+0
+        window Console console
+        key ctrl+0
     fi
     kill "$pid"
     wait "$pid" 2>/dev/null || true
