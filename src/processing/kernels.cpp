@@ -68,7 +68,7 @@ void restride(float* re, float* im, size_t oldStride, size_t newStride, size_t r
     }
 }
 
-void transpose(const float* source, float* destination, size_t n, size_t m) {
+void transpose(const float* source, float* destination, size_t n, size_t m, size_t stride) {
     // Tiles keep both the rows read and the rows written in cache.
     // Threads take whole bands of source rows, so each writes its own columns.
     constexpr size_t kTile = 32;
@@ -78,7 +78,8 @@ void transpose(const float* source, float* destination, size_t n, size_t m) {
             for (size_t i0 = 0; i0 < n; i0 += kTile) {
                 const size_t i1 = std::min(n, i0 + kTile);
                 for (size_t c = c0; c < c1; ++c)
-                    for (size_t i = i0; i < i1; ++i) destination[i * m + c] = source[c * n + i];
+                    for (size_t i = i0; i < i1; ++i)
+                        destination[i * stride + c] = source[c * n + i];
             }
         }
     });
