@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -36,7 +37,8 @@ struct Run {
     int d;
     size_t F, N, N0, R, s;
     bool H;
-    size_t stride = N;  // of the rows as they stand
+    size_t stride = N;       // of the rows as they stand
+    size_t used = SIZE_MAX;  // points of a row past which it holds zeros only
 };
 
 FtResult failure(FtOutcome outcome, const char* caption, const char* text) {
@@ -153,7 +155,7 @@ std::optional<FtResult> reserveRoom(Run& r) {
 // Steps 2, 4 and 6 at once where they allow it: the rows go straight to their final stride
 // in arrays of the final size, so that the matrix is had once and each point moved once.
 // Every point of the grown area is written before it is read: rows past the data are zeros,
-// and the tail of each row is cleared again after the recombination.
+// and the tail of each row up to its length before the recombination is cleared after it.
 bool placeRows(Run& r) {
     if (r.s * r.F < r.N) return false;  // truncated first
     const size_t stride = std::max(r.F, r.N);
@@ -163,6 +165,7 @@ bool placeRows(Run& r) {
     if (!rotateIntoRows(r.m, r.d, stride, need)) return false;
     r.m.state &= ~matrix_state::kRealOnly;
     r.stride = stride;
+    r.used = r.N;
     return true;
 }
 
@@ -209,7 +212,7 @@ void prepareRows(Run& r) {
                             firstPointIndex(axis.timeShift, r.N),
                             (r.m.state & matrix_state::kComplexConjugate) != 0};
     applyWeighting(r.step, in, re, im, r.R, r.F);
-    zeroTail(re, im, r.R, r.N, r.F, r.F);
+    zeroTail(re, im, r.R, r.N, std::min(r.F, r.used), r.F);
 }
 
 // The rows are independent: shared out among the threads, each transformed as one thread would.
