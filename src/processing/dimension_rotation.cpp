@@ -114,23 +114,24 @@ bool rotateIntoRows(SpectrumMatrix& m, int fIndex, size_t stride, size_t size) {
     if (stride < n || rows > size / stride) return false;
     std::vector<float> re, im;
     try {
-        growZeroed(re, size);
-        growZeroed(im, size);
+        reserveLarge(re, size);
+        reserveLarge(im, size);
     } catch (const std::bad_alloc&) {
         return false;
     }
-    const std::pair<const std::vector<float>*, float*> parts[] = {{&m.re, re.data()},
-                                                                  {&m.im, im.data()}};
-    for (const auto& [from, to] : parts) {
-        if (from->empty()) continue;
+    // One array at a time, each old one let go before the next is filled: at most one old
+    // array and the two new ones take memory at once.
+    for (auto [from, to] : {std::pair{&m.re, &re}, std::pair{&m.im, &im}}) {
+        to->resize(size);
         if (steps.empty()) {
-            for (size_t r = 0; r < rows; ++r) std::copy_n(from->data() + r * n, n, to + r * stride);
-        } else {
-            transpose(from->data(), to, steps[0].block, steps[0].points, stride);
+            for (size_t r = 0; r < rows && !from->empty(); ++r)
+                std::copy_n(from->data() + r * n, n, to->data() + r * stride);
+        } else if (!from->empty()) {
+            transpose(from->data(), to->data(), steps[0].block, steps[0].points, stride);
         }
+        from->swap(*to);
+        *to = std::vector<float>();
     }
-    m.re.swap(re);
-    m.im.swap(im);
     m.contiguous = static_cast<uint8_t>(fIndex);
     return true;
 }

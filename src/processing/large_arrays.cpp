@@ -24,11 +24,14 @@ void adviseHugePages([[maybe_unused]] void* data, [[maybe_unused]] size_t bytes)
 
 }  // namespace
 
+void reserveLarge(std::vector<float>& v, size_t size) {
+    if (size <= v.capacity()) return;
+    v.reserve(size);
+    adviseHugePages(v.data(), v.capacity() * sizeof(float));
+}
+
 void growZeroed(std::vector<float>& v, size_t size) {
-    if (size > v.capacity()) {
-        v.reserve(size);
-        adviseHugePages(v.data(), v.capacity() * sizeof(float));
-    }
+    reserveLarge(v, size);
     v.resize(size);
 }
 

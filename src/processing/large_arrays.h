@@ -6,9 +6,13 @@
 
 namespace zolt {
 
-// Resizes v to size floats, new ones zero, as resize does (and throws as it does). Where the
-// system allows, the fresh memory is asked for in huge pages first: the matrix of a 2-D
-// transform otherwise costs a page fault every 4 KB, a large part of the whole transform.
+// Reserves room for size floats, as reserve does (and throws as it does). Where the system
+// allows, fresh memory is asked for in huge pages: the matrix of a 2-D transform otherwise
+// costs a page fault every 4 KB, a large part of the whole transform. No page is touched yet,
+// so several arrays can be had before any of them takes memory.
+void reserveLarge(std::vector<float>& v, size_t size);
+
+// reserveLarge, then resize to size floats, the new ones zero.
 void growZeroed(std::vector<float>& v, size_t size);
 
 }  // namespace zolt
