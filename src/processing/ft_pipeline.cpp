@@ -152,7 +152,7 @@ std::optional<FtResult> reserveRoom(Run& r) {
     return std::nullopt;
 }
 
-// Steps 2, 4 and 6 at once where they allow it: the rows go straight to their final stride
+// Steps 2 and 6 at once where they allow it: the rows go straight to their final stride
 // in arrays of the final size, so that the matrix is had once and each point moved once.
 // Every point of the grown area is written before it is read: rows past the data are zeros,
 // and the tail of each row up to its length before the recombination is cleared after it.
