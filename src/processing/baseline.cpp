@@ -157,6 +157,50 @@ std::vector<double> fitBaselinePolynomial(const float* row, const uint8_t* mask,
     return fitPolynomial(row, mask, n, order, abscissae(n).data(), scratch);
 }
 
+namespace {
+
+// The baseline points of every row, in order. Rows are read a few at a time: their moving sums
+// run side by side; the marking then goes row after row, carrying its threshold. A row whose
+// detection runs out of memory stays undetected.
+void detectRows(const SpectrumMatrix& m, int fIndex, size_t lo, size_t n, int w,
+                std::vector<uint8_t>& masks, std::vector<uint8_t>& detected) {
+    const size_t rows = detected.size();
+    std::vector<float> batch;
+    std::vector<double> d;
+    try {
+        batch.resize(kDifferenceRows * n);
+        d.resize(hasDifferences(n, w) ? kDifferenceRows * n : 0);
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+    double carried = 0.0;
+    unsigned mode = 0;
+    size_t index = 0, held = 0;
+    const auto mark = [&] {
+        const float* rowsHeld[kDifferenceRows];
+        for (size_t k = 0; k < held; ++k) rowsHeld[k] = batch.data() + k * n;
+        movingDifferences(rowsHeld, held, n, w, d.data());
+        for (size_t k = 0; k < held; ++k, ++index) {
+            try {
+                markBaselinePoints(d.data() + k * n, n, w, mode, masks.data() + index * n, carried);
+                mode = autosampling_mode::kCarryThreshold;
+                detected[index] = 1;
+            } catch (const std::bad_alloc&) {
+                // The row stays as it was.
+            }
+        }
+        held = 0;
+    };
+    forEachRealRowRead(m, fIndex, [&](const float* row, size_t) {
+        if (index + held >= rows) return;
+        std::copy_n(row + lo, n, batch.data() + held * n);
+        if (++held == kDifferenceRows) mark();
+    });
+    if (held) mark();
+}
+
+}  // namespace
+
 std::optional<Message> correctBaseline(SpectrumMatrix& m, int fIndex,
                                        const BaseplaneStep& settings) {
     if (!axisUsable(m, fIndex)) return std::nullopt;
@@ -181,20 +225,7 @@ std::optional<Message> correctBaseline(SpectrumMatrix& m, int fIndex,
     } catch (const std::bad_alloc&) {
         return std::nullopt;
     }
-    double carried = 0.0;
-    unsigned mode = 0;
-    size_t index = 0;
-    forEachRealRowRead(m, fIndex, [&](const float* row, size_t) {
-        if (index >= rows) return;
-        try {
-            detectBaselinePoints(row + lo, n, w, mode, masks.data() + index * n, carried);
-            mode = autosampling_mode::kCarryThreshold;
-            detected[index] = 1;
-        } catch (const std::bad_alloc&) {
-            // The row stays as it was.
-        }
-        ++index;
-    });
+    detectRows(m, fIndex, lo, n, w, masks, detected);
     forEachRealRowInParallel(m, fIndex, [&](float* row, size_t, size_t r) {
         if (r >= rows || !detected[r]) return;
         float* part = row + lo;

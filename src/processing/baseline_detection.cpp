@@ -33,31 +33,56 @@ void closeGaps(uint8_t* __restrict after, const uint8_t* __restrict before, size
 
 }  // namespace
 
-size_t detectBaselinePoints(const float* row, size_t n, int w, unsigned mode, uint8_t* mask,
-                            double& carried) {
+bool hasDifferences(size_t n, int w) {
+    // At least two centres are needed for one difference.
+    return n >= 2 * static_cast<size_t>(std::max(w, 0)) + 3;
+}
+
+void movingDifferences(const float* const* rows, size_t count, size_t n, int w, double* d) {
+    if (!hasDifferences(n, w)) return;
+    const size_t hw = static_cast<size_t>(std::max(w, 0)), lo = hw + 1, hi = n - hw - 1;
+    // Each row's sum is a chain of its own; running up to four side by side lets them overlap.
+    for (size_t k0 = 0; k0 < count; k0 += kDifferenceRows) {
+        const size_t rowsHere = std::min(kDifferenceRows, count - k0);
+        double s[kDifferenceRows] = {};
+        for (size_t k = 0; k < rowsHere; ++k)
+            for (size_t j = 0; j <= 2 * hw; ++j) s[k] += rows[k0 + k][j];
+        if (rowsHere == kDifferenceRows) {
+            for (size_t i = lo; i <= hi; ++i)
+                for (size_t k = 0; k < kDifferenceRows; ++k) {
+                    const float* row = rows[k0 + k];
+                    const double next = s[k] + row[i + hw] - row[i - hw - 1];
+                    d[(k0 + k) * n + i] = std::fabs(next - s[k]);
+                    s[k] = next;
+                }
+            continue;
+        }
+        for (size_t k = 0; k < rowsHere; ++k) {
+            const float* row = rows[k0 + k];
+            double* out = d + (k0 + k) * n;
+            for (size_t i = lo; i <= hi; ++i) {
+                const double next = s[k] + row[i + hw] - row[i - hw - 1];
+                out[i] = std::fabs(next - s[k]);
+                s[k] = next;
+            }
+        }
+    }
+}
+
+size_t markBaselinePoints(const double* d, size_t n, int w, unsigned mode, uint8_t* mask,
+                          double& carried) {
     if (n == 0) return 0;
     std::memset(mask, 0, n);
     if (!(mode & autosampling_mode::kCarryThreshold)) carried = 0.0;
-    const size_t hw = static_cast<size_t>(std::max(w, 0));
-    // At least two centres are needed for one difference.
-    if (n < 2 * hw + 3) return n;
-
-    std::vector<double> d(n, 0.0);
-    double s = 0.0;
-    for (size_t j = 0; j <= 2 * hw; ++j) s += row[j];
-    const size_t lo = hw + 1, hi = n - hw - 1;
-    for (size_t i = lo; i <= hi; ++i) {
-        const double next = s + row[i + hw] - row[i - hw - 1];
-        d[i] = std::fabs(next - s);
-        s = next;
-    }
+    if (!hasDifferences(n, w)) return n;
+    const size_t hw = static_cast<size_t>(std::max(w, 0)), lo = hw + 1, hi = n - hw - 1;
 
     if (mode & autosampling_mode::kCarryThreshold) {
         const double limit = 2.0 * carried;
         for (size_t i = lo; i <= hi; ++i)
             if (d[i] > limit) mask[i] = 1;
     }
-    const double threshold = markOutliers(d.data() + lo, hi - lo + 1, mask + lo);
+    const double threshold = markOutliers(d + lo, hi - lo + 1, mask + lo);
     carried = std::max(carried, threshold);
 
     // The ends have no difference of their own; they follow the nearest point that has one.
@@ -78,6 +103,13 @@ size_t detectBaselinePoints(const float* row, size_t n, int w, unsigned mode, ui
         if (current != mask) std::memcpy(mask, current, n);
     }
     return static_cast<size_t>(std::count(mask, mask + n, uint8_t{0}));
+}
+
+size_t detectBaselinePoints(const float* row, size_t n, int w, unsigned mode, uint8_t* mask,
+                            double& carried) {
+    std::vector<double> d(hasDifferences(n, w) ? n : 0, 0.0);
+    movingDifferences(&row, 1, n, w, d.data());
+    return markBaselinePoints(d.data(), n, w, mode, mask, carried);
 }
 
 size_t detectSignal(const float* row, size_t n, uint8_t* mask) {

@@ -24,6 +24,16 @@ inline constexpr unsigned kNarrow = 0x2;
 size_t detectBaselinePoints(const float* row, size_t n, int w, unsigned mode, uint8_t* mask,
                             double& carried);
 
+// detectBaselinePoints in two parts, so that the order-bound moving sums of several rows can
+// run side by side while the marking, which carries its threshold, goes row after row. The
+// differences of row k go to d[k*n + i] for w < i < n-w-1 (nothing when n < 2w+3); the
+// marking reads them there for one row, and may reorder none of them.
+inline constexpr size_t kDifferenceRows = 4;
+bool hasDifferences(size_t n, int w);
+void movingDifferences(const float* const* rows, size_t count, size_t n, int w, double* d);
+size_t markBaselinePoints(const double* d, size_t n, int w, unsigned mode, uint8_t* mask,
+                          double& carried);
+
 // The generic detector: half-width 2*m with m = 1 below 4,096 points, otherwise n/4,096 at most
 // 10, narrow widening and a fresh threshold. Returns the number of baseline points.
 size_t detectSignal(const float* row, size_t n, uint8_t* mask);

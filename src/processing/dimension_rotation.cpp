@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "processing/kernels.h"
+#include "processing/large_arrays.h"
 
 namespace zolt {
 namespace {
@@ -82,7 +83,58 @@ bool sizeMatches(const SpectrumMatrix& m, size_t& total) {
     return m.re.size() == total && (m.im.empty() || m.im.size() == total);
 }
 
+// The transpositions that make fIndex contiguous, relabellings left out, with the largest
+// scratch any of them needs.
+std::vector<Move> planMoves(const SpectrumMatrix& m, int current, int fIndex, size_t total,
+                            size_t& scratchSize) {
+    AxisOrder order = storageOrder(m, current);
+    const std::vector<int> moves = movesBetween(order, storageOrder(m, fIndex));
+    std::vector<Move> steps;
+    scratchSize = 0;
+    for (int f : moves) {
+        const Move step = moveToFront(m, order, f);
+        if (step.block == 1 || step.points == 1) continue;  // a relabelling only
+        steps.push_back(step);
+        scratchSize = std::max(scratchSize, step.planes > 1 ? step.block * step.points : total);
+    }
+    return steps;
+}
+
 }  // namespace
+
+bool rotateIntoRows(SpectrumMatrix& m, int fIndex, size_t stride, size_t size) {
+    size_t total = 0;
+    if (fIndex < 1 || fIndex > 3 || !sizeMatches(m, total)) return false;
+    const int current = currentContiguous(m);
+    size_t scratchSize = 0;
+    std::vector<Move> steps;
+    if (current != fIndex) steps = planMoves(m, current, fIndex, total, scratchSize);
+    if (steps.size() > 1 || (steps.size() == 1 && steps[0].planes > 1)) return false;
+    const size_t n = axisPoints(m, fIndex), rows = total / n;
+    if (stride < n || rows > size / stride) return false;
+    std::vector<float> re, im;
+    try {
+        reserveLarge(re, size);
+        reserveLarge(im, size);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    // One array at a time, each old one let go before the next is filled: at most one old
+    // array and the two new ones take memory at once.
+    for (auto [from, to] : {std::pair{&m.re, &re}, std::pair{&m.im, &im}}) {
+        to->resize(size);
+        if (steps.empty()) {
+            for (size_t r = 0; r < rows && !from->empty(); ++r)
+                std::copy_n(from->data() + r * n, n, to->data() + r * stride);
+        } else if (!from->empty()) {
+            transpose(from->data(), to->data(), steps[0].block, steps[0].points, stride);
+        }
+        from->swap(*to);
+        *to = std::vector<float>();
+    }
+    m.contiguous = static_cast<uint8_t>(fIndex);
+    return true;
+}
 
 bool rotateToContiguous(SpectrumMatrix& m, int fIndex) {
     if (fIndex < 1 || fIndex > 3) return false;
@@ -94,18 +146,9 @@ bool rotateToContiguous(SpectrumMatrix& m, int fIndex) {
     size_t total = 0;
     if (!sizeMatches(m, total)) return false;
 
-    AxisOrder order = storageOrder(m, current);
-    const std::vector<int> moves = movesBetween(order, storageOrder(m, fIndex));
-
     // Plan every step first so that the one scratch buffer is had before any data move.
-    std::vector<Move> steps;
     size_t scratchSize = 0;
-    for (int f : moves) {
-        const Move step = moveToFront(m, order, f);
-        if (step.block == 1 || step.points == 1) continue;  // a relabelling only
-        steps.push_back(step);
-        scratchSize = std::max(scratchSize, step.planes > 1 ? step.block * step.points : total);
-    }
+    const std::vector<Move> steps = planMoves(m, current, fIndex, total, scratchSize);
     std::vector<float> scratch;
     try {
         scratch.resize(scratchSize);

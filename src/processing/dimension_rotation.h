@@ -12,4 +12,11 @@ namespace zolt {
 // scratch memory cannot be had or the arrays do not match the records.
 bool rotateToContiguous(SpectrumMatrix& m, int fIndex);
 
+// The same rotation written straight into fresh arrays of `size` floats (zero where no point
+// goes), each line along fIndex starting `stride` points after the one before; real data get
+// a zero imaginary array. This spares the scratch copy and the later growing and re-striding
+// of a transform. Only for an order reached by one transposition (or none) without separate
+// planes; false, the matrix untouched, for any other or when the memory cannot be had.
+bool rotateIntoRows(SpectrumMatrix& m, int fIndex, size_t stride, size_t size);
+
 }  // namespace zolt

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -15,6 +16,7 @@
 #include "processing/fft.h"
 #include "processing/ft_step.h"
 #include "processing/kernels.h"
+#include "processing/large_arrays.h"
 #include "processing/linear_prediction.h"
 #include "processing/phase.h"
 #include "processing/row_parallel.h"
@@ -35,6 +37,8 @@ struct Run {
     int d;
     size_t F, N, N0, R, s;
     bool H;
+    size_t stride = N;       // of the rows as they stand
+    size_t used = SIZE_MAX;  // points of a row past which it holds zeros only
 };
 
 FtResult failure(FtOutcome outcome, const char* caption, const char* text) {
@@ -95,7 +99,7 @@ std::optional<FtResult> expandNus(SpectrumDocument& doc, int d) {
     const size_t row = m.pointCount() / sampled;
     std::vector<float> re, im;
     if (row * full > kMaxTransformFloats ||
-        !tryAllocate([&] { re.assign(row * full, 0.0f), im.assign(row * full, 0.0f); }))
+        !tryAllocate([&] { growZeroed(re, row * full), growZeroed(im, row * full); }))
         return failure(FtOutcome::NusNoMemory, kNusMemoryCaption, kNusMemoryText);
     for (size_t e = 0; e < list->size(); ++e) {
         const size_t src = e * perEntry * row, dst = size_t{(*list)[e]} * perEntry * row;
@@ -129,7 +133,7 @@ void truncateLongData(Run& r) {
     r.m.re.resize(r.R * keep);
     if (!r.m.im.empty()) r.m.im.resize(r.R * keep);
     r.m.dims[r.d].points = static_cast<uint32_t>(keep);
-    r.N = keep;
+    r.N = r.stride = keep;
 }
 
 // Step 6: room for the final size (and the hypercomplex half), within the limit.
@@ -137,27 +141,49 @@ std::optional<FtResult> reserveRoom(Run& r) {
     const size_t need = std::max(r.F, r.N) * r.R * (r.H ? 2 : 1);
     auto tooLarge = failure(FtOutcome::TooLarge, kTooLargeCaption, kTooLargeText);
     if (need > kMaxTransformFloats) return tooLarge;
-    if (!tryAllocate([&] { r.m.re.reserve(need), r.m.im.reserve(need); })) return tooLarge;
-    if (r.m.im.size() != r.m.re.size()) r.m.im.assign(r.m.re.size(), 0.0f);  // real data
-    r.m.re.resize(need, 0.0f);
-    r.m.im.resize(need, 0.0f);
+    const size_t reSize = r.m.re.size(), imSize = r.m.im.size();
+    // Real data grow a zero imaginary part.
+    if (!tryAllocate([&] { growZeroed(r.m.re, need), growZeroed(r.m.im, need); })) {
+        r.m.re.resize(reSize);
+        r.m.im.resize(imSize);
+        return tooLarge;
+    }
     r.m.state &= ~matrix_state::kRealOnly;
     return std::nullopt;
 }
 
+// Steps 2 and 6 at once where they allow it: the rows go straight to their final stride
+// in arrays of the final size, so that the matrix is had once and each point moved once.
+// Every point of the grown area is written before it is read: rows past the data are zeros,
+// and the tail of each row up to its length before the recombination is cleared after it.
+bool placeRows(Run& r) {
+    if (r.s * r.F < r.N) return false;  // truncated first
+    const size_t stride = std::max(r.F, r.N);
+    const size_t need = stride * r.R * (r.H ? 2 : 1);
+    if (need > kMaxTransformFloats) return false;
+    if (r.m.contiguous == r.d && r.m.re.capacity() >= need) return false;  // grows in place
+    if (!rotateIntoRows(r.m, r.d, stride, need)) return false;
+    r.m.state &= ~matrix_state::kRealOnly;
+    r.stride = stride;
+    r.used = r.N;
+    return true;
+}
+
 // Steps 7-10: recombination, the hypercomplex half, the rows re-strided to F points.
 void shuffleAndRestride(Run& r) {
-    const size_t second = std::max(r.F, r.N) * r.R;  // the half's rows wait here, stride N
+    const size_t second = std::max(r.F, r.N) * r.R;  // the half's rows wait here
     if (r.s == 2) {
-        ShuffleRows rows{r.m.re.data(), r.m.im.data(), r.R, r.N, r.N};
-        if (r.H) rows = {rows.re, rows.im, r.R, r.N, r.N, rows.re + second, rows.im + second, r.N};
+        ShuffleRows rows{r.m.re.data(), r.m.im.data(), r.R, r.N, r.stride};
+        if (r.H)
+            rows = {rows.re,          rows.im,          r.R,     r.N, r.stride,
+                    rows.re + second, rows.im + second, r.stride};
         shuffleRows(r.step.shuffling, rows);
     }
     const size_t kept = r.N / r.s;
     r.m.dims[r.d].points = static_cast<uint32_t>(r.F);
-    if (r.F != r.N) moveRowsBoth(r.m, 0, r.N, 0, r.F, r.R, kept);
+    moveRowsBoth(r.m, 0, r.stride, 0, r.F, r.R, kept);
     if (r.H) {
-        moveRowsBoth(r.m, second, r.N, r.R * r.F, r.F, r.R, kept);
+        moveRowsBoth(r.m, second, r.stride, r.R * r.F, r.F, r.R, kept);
         r.m.dims[0].points = 2;
         r.R *= 2;
     }
@@ -186,7 +212,7 @@ void prepareRows(Run& r) {
                             firstPointIndex(axis.timeShift, r.N),
                             (r.m.state & matrix_state::kComplexConjugate) != 0};
     applyWeighting(r.step, in, re, im, r.R, r.F);
-    zeroTail(re, im, r.R, r.N, r.F, r.F);
+    zeroTail(re, im, r.R, r.N, std::min(r.F, r.used), r.F);
 }
 
 // The rows are independent: shared out among the threads, each transformed as one thread would.
@@ -303,10 +329,12 @@ FtResult transformNextDimension(SpectrumDocument& doc) {
         r.H = r.s == 2 && has(step, ft_flags::kHypercomplex) && r.R > 1 && m.dims[0].points <= 1;
     }
     subtractDcOffset(r);
-    if (m.contiguous != d && !rotateToContiguous(m, d))
-        return FtResult{FtOutcome::RotationFailed, std::nullopt};
-    truncateLongData(r);
-    if (auto stop = reserveRoom(r)) return *stop;
+    if (!placeRows(r)) {
+        if (m.contiguous != d && !rotateToContiguous(m, d))
+            return FtResult{FtOutcome::RotationFailed, std::nullopt};
+        truncateLongData(r);
+        if (auto stop = reserveRoom(r)) return *stop;
+    }
     shuffleAndRestride(r);
     prepareRows(r);
     if (has(step, ft_flags::kStopBeforeTransform))

@@ -15,10 +15,13 @@ void zeroTail(float* re, float* im, size_t rows, size_t from, size_t to, size_t 
 // Per row: point k times window[k] for k < n.
 void multiplyWindow(float* data, size_t rows, size_t n, size_t stride, const float* window);
 // Moves row r from r*oldStride to r*newStride, copying oldStride/factor points.
-void restride(float* re, float* im, size_t oldStride, size_t newStride, size_t rows,
-              size_t factor);
+void restride(float* re, float* im, size_t oldStride, size_t newStride, size_t rows, size_t factor);
+// destination[i*stride + c] = source[c*n + i] for c < m, i < n (stride at least m).
+void transpose(const float* source, float* destination, size_t n, size_t m, size_t stride);
 // destination[i*m + c] = source[c*n + i] for c < m, i < n.
-void transpose(const float* source, float* destination, size_t n, size_t m);
+inline void transpose(const float* source, float* destination, size_t n, size_t m) {
+    transpose(source, destination, n, m, m);
+}
 
 // Toggles between (real, imaginary) and (modulus, phase); toPolar selects the direction.
 void togglePolar(float* re, float* im, size_t count, bool toPolar);

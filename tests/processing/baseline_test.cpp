@@ -165,6 +165,27 @@ TEST(BaselineDetection, MarksLinesWithTheirSurroundings) {
     EXPECT_GE(kept, carried);
 }
 
+// Rows worked four at a time and the remainder one by one give each the differences of its own.
+TEST(BaselineDetection, DifferencesOfSeveralRowsAreEachRowsOwn) {
+    const size_t n = 300, rows = 6;
+    const int w = 5;
+    std::mt19937 gen(5);
+    std::normal_distribution<double> noise(0.0, 1.0);
+    std::vector<float> data(rows * n);
+    for (float& v : data) v = static_cast<float>(1e3 * noise(gen));
+    const float* starts[rows];
+    for (size_t r = 0; r < rows; ++r) starts[r] = data.data() + r * n;
+    std::vector<double> together(rows * n, -1.0), alone(n, -1.0);
+    movingDifferences(starts, rows, n, w, together.data());
+    for (size_t r = 0; r < rows; ++r) {
+        movingDifferences(starts + r, 1, n, w, alone.data());
+        for (size_t i = 0; i < n; ++i) ASSERT_EQ(together[r * n + i], alone[i]) << r << " " << i;
+    }
+    EXPECT_EQ(alone[w], -1.0);  // no difference of its own at the ends
+    EXPECT_EQ(alone[n - w], -1.0);
+    EXPECT_NE(alone[w + 1], -1.0);
+}
+
 TEST(BaselineDetection, DegenerateRowsStayBaseline) {
     std::vector<float> shortRow(10, 1.0f);
     std::vector<uint8_t> mask(10, 7);

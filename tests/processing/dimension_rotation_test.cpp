@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <tuple>
 #include <vector>
 
 namespace zolt {
@@ -101,6 +102,49 @@ TEST(DimensionRotation, OnePointAxisNeedsNoDataMove) {
     ASSERT_TRUE(rotateToContiguous(m, 1));
     EXPECT_EQ(m.contiguous, 1);
     EXPECT_EQ(m.re, re);
+}
+
+// Written straight at a wider stride: the same points as the plain rotation, zeros between
+// the lines and after them, and an imaginary part of zeros for real data.
+TEST(DimensionRotation, IntoRowsPlacesEachLineAtTheStrideAndZerosTheRest) {
+    struct Case {
+        std::array<uint32_t, 4> points;
+        int from, to;
+        bool complex;
+    };
+    for (const Case& c : {Case{{1, 3, 5, 1}, 2, 1, false}, Case{{1, 3, 5, 1}, 2, 2, true},
+                          Case{{1, 3, 4, 5}, 3, 1, true}}) {
+        SCOPED_TRACE(testing::Message() << c.from << " -> " << c.to);
+        SpectrumMatrix plain = labelled(c.points, c.from, c.complex);
+        SpectrumMatrix m = plain;
+        ASSERT_TRUE(rotateToContiguous(plain, c.to));
+        const size_t n = c.points[c.to], rows = plain.re.size() / n, stride = n + 3;
+        ASSERT_TRUE(rotateIntoRows(m, c.to, stride, rows * stride + 7));
+        EXPECT_EQ(m.contiguous, c.to);
+        ASSERT_EQ(m.re.size(), rows * stride + 7);
+        ASSERT_EQ(m.im.size(), m.re.size());
+        for (size_t k = 0; k < m.re.size(); ++k) {
+            const size_t r = k / stride, i = k % stride;
+            const bool point = r < rows && i < n;
+            ASSERT_EQ(m.re[k], point ? plain.re[r * n + i] : 0.0f) << k;
+            ASSERT_EQ(m.im[k], point && c.complex ? plain.im[r * n + i] : 0.0f) << k;
+        }
+    }
+}
+
+// Separate planes (slower axes or halves), two transpositions, a stride shorter than a line or an
+// array too short for the lines are left to the plain rotation.
+TEST(DimensionRotation, IntoRowsRefusesWhatOneTranspositionCannotDo) {
+    const SpectrumMatrix threeD = labelled({1, 3, 4, 5}, 3), halves = labelled({2, 3, 5, 1}, 2);
+    for (auto [from, f, stride, size] :
+         {std::tuple{threeD, 2, 4, 60}, std::tuple{labelled({1, 3, 4, 5}, 1), 3, 5, 60},
+          std::tuple{halves, 1, 3, 30}, std::tuple{labelled({1, 3, 5, 1}, 2), 1, 2, 30},
+          std::tuple{labelled({1, 3, 5, 1}, 2), 1, 4, 19}}) {
+        SpectrumMatrix m = from;
+        EXPECT_FALSE(rotateIntoRows(m, f, size_t(stride), size_t(size)));
+        EXPECT_EQ(m.re, from.re);
+        EXPECT_EQ(m.contiguous, from.contiguous);
+    }
 }
 
 }  // namespace

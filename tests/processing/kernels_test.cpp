@@ -52,13 +52,17 @@ TEST(Restride, GrowingMovesRowsWithoutOverwritingShrinkingKeepsTheirFraction) {
               (std::vector<float>{1, 2, 3, 4, 9, 10, 11, 12, 17, 18, 19, 20}));
 }
 
+// Tile and 4 x 4 block remainders on both sides; a wider destination stride leaves the gaps.
 TEST(Transpose, LargerThanOneTileKeepsEveryElement) {
     const size_t n = 70, m = 45;
     const std::vector<float> source = ramp(n * m);
-    std::vector<float> out(n * m);
-    transpose(source.data(), out.data(), n, m);
-    for (size_t c = 0; c < m; ++c)
-        for (size_t i = 0; i < n; ++i) ASSERT_EQ(out[i * m + c], source[c * n + i]);
+    for (size_t stride : {m, m + 3}) {
+        std::vector<float> out(n * stride, -1.0f);
+        transpose(source.data(), out.data(), n, m, stride);
+        for (size_t c = 0; c < stride; ++c)
+            for (size_t i = 0; i < n; ++i)
+                ASSERT_EQ(out[i * stride + c], c < m ? source[c * n + i] : -1.0f);
+    }
 }
 
 TEST(PolarToggle, GivesModulusAndPhaseAndTwiceReturnsTheSamples) {
