@@ -6,9 +6,12 @@
 #include <cstdio>
 #include <string>
 
+#include "base/memory_reuse.h"
 #include "test_data.h"
 
 int main(int argc, char** argv) {
+    // The programs keep freed memory for the next document; so do the measurements of them.
+    zolt::keepFreedMemoryForReuse();
     const std::string data = zolt::testdata::root();
     if (!zolt::testdata::readable(data)) {
         std::fprintf(stderr, "test data folder %s not readable (set ZOLT_TESTDATA_DIR)\n",

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "base/memory_reuse.h"
 #include "cli/export_command.h"
 #include "cli/info_command.h"
 #include "cli/plot_command.h"
@@ -26,6 +27,7 @@ constexpr const char* kUsage =
 }  // namespace
 
 int main(int argc, char** argv) {
+    zolt::keepFreedMemoryForReuse();
     const std::vector<std::string> args(argv + 1, argv + argc);
     if (args.empty()) {
         std::cerr << kUsage;
