@@ -23,7 +23,6 @@ using namespace command_ids;
 
 namespace {
 
-constexpr OperationResult kRedraw{true, {}};
 // Format > Fast Plot ... Chessboard, as the letters of bidi.
 constexpr char kPlotModeLetters[] = "FCWSZAB";
 
@@ -81,7 +80,7 @@ std::optional<OperationResult> fileCommand(Application& app, SpectrumDocument& d
     }
 }
 
-std::optional<OperationResult> dataCommand(Application& app, SpectrumDocument& doc, int id) {
+std::optional<OperationResult> dataCommand(Application&, SpectrumDocument& doc, int id) {
     switch (id) {
         case kFull:
             return showWholeSpectrum(doc);
@@ -114,7 +113,6 @@ std::optional<OperationResult> dataCommand(Application& app, SpectrumDocument& d
         default:
             if (id >= kFastPlot && id <= kChessboard)
                 return setPlotModeFromLetter(doc, kPlotModeLetters[id - kFastPlot]);
-            (void)app;
             return std::nullopt;
     }
 }

@@ -32,6 +32,10 @@ struct ItemState {
 // The frame's items of menus 1-9 (every other item of those menus starts disabled).
 std::vector<ItemState> frameMenuItems(Menu menu, const FrameState& state);
 
+// The preference bit a frame command switches on and off (Call Open Babel, Fast Selection,
+// First Order, Lock Equal Letters, Global Cross), 0 for any other command.
+uint32_t toggledFlag(int id);
+
 // Saved formats the Custom Format submenu holds at most before Save Current Format... stops.
 inline constexpr int kMaxSavedFormats = 49;
 

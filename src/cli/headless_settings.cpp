@@ -10,8 +10,6 @@
 
 namespace zolt {
 
-namespace {
-
 // Drawing needs a GUI application object, but no screen. Commands that draw nothing never pay
 // for one: it is made when the first picture is written and lives until the program ends.
 void ensureGuiApplication() {
@@ -24,8 +22,6 @@ void ensureGuiApplication() {
     static char* argv[] = {name, nullptr};
     static std::unique_ptr<QGuiApplication> gui = std::make_unique<QGuiApplication>(argc, argv);
 }
-
-}  // namespace
 
 Preferences headlessPreferences(const SettingsStore& settings, bool automaticScripts) {
     return automaticScripts ? loadPreferences(settings, ensureStartupScript)

@@ -6,6 +6,10 @@
 
 namespace zolt {
 
+// Drawing needs a GUI application object, but no screen: made once, on first need, for the
+// rest of the run.
+void ensureGuiApplication();
+
 // The stored preferences; the start-up script is made sure of only when scripts run by
 // themselves on opening, so that explicit scripts stay alone.
 Preferences headlessPreferences(const SettingsStore& settings, bool automaticScripts);

@@ -42,7 +42,7 @@ int main(int argc, char** argv) {
     if (command == "info") return zolt::runInfoCommand(rest, std::cout, std::cerr);
     if (command == "run") return zolt::runRunCommand(rest, std::cout, std::cerr);
     if (command == "process") return zolt::runProcessCommand(rest, std::cout, std::cerr);
-    if (command == "plot") return zolt::runPlotCommand(argc, argv, rest, std::cout, std::cerr);
+    if (command == "plot") return zolt::runPlotCommand(rest, std::cout, std::cerr);
     if (command == "export") return zolt::runExportCommand(rest, std::cout, std::cerr);
     std::cerr << "zolt-cli: unknown command " << command << "\n" << kUsage;
     return 2;

@@ -1,7 +1,5 @@
 #include "cli/plot_command.h"
 
-#include <QGuiApplication>
-#include <cstdlib>
 #include <iostream>
 #include <sstream>
 
@@ -62,8 +60,7 @@ std::optional<PlotOptions> parsePlotArguments(const std::vector<std::string>& ar
     return o;
 }
 
-int runPlotCommand(int argc, char** argv, const std::vector<std::string>& args, std::ostream& out,
-                   std::ostream& err) {
+int runPlotCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
     auto options = parsePlotArguments(args);
     if (!options) {
         err << kPlotUsage;
@@ -73,11 +70,7 @@ int runPlotCommand(int argc, char** argv, const std::vector<std::string>& args, 
         out << kPlotUsage;
         return 0;
     }
-    // Drawing needs a GUI application object, but no screen.
-    if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY") &&
-        !std::getenv("QT_QPA_PLATFORM"))
-        setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    QGuiApplication gui(argc, argv);
+    ensureGuiApplication();
     HeadlessPlatform platform(out, err);
     QtSettingsStore settings;
     Application app(platform, headlessPreferences(settings, options->automatic));

@@ -43,7 +43,6 @@ struct PlotOptions {
 std::optional<PlotOptions> parsePlotArguments(const std::vector<std::string>& args);
 
 // args: everything after "plot".
-int runPlotCommand(int argc, char** argv, const std::vector<std::string>& args, std::ostream& out,
-                   std::ostream& err);
+int runPlotCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
 }  // namespace zolt

@@ -6,7 +6,6 @@
 
 #include "app/application.h"
 #include "app/command_routing.h"
-#include "app/preferences.h"
 #include "gui/document_window.h"
 #include "gui/main_window.h"
 
@@ -42,6 +41,10 @@ void MainWindow::runCommand(int id) {
 
 bool MainWindow::frameCommand(int id) {
     if (frameDialog(id) || windowCommand(id)) return true;
+    if (const uint32_t bit = toggledFlag(id)) {
+        toggleFlag(bit);
+        return true;
+    }
     switch (id) {
         case kOpen:
         case kOpenFolder:
@@ -62,21 +65,6 @@ bool MainWindow::frameCommand(int id) {
         case kCopy:
         case kPaste:
             sendEditCommand(id);
-            return true;
-        case kCallOpenBabel:
-            toggleFlag(pref_flags::kCallOpenBabel);
-            return true;
-        case kFastSelection:
-            toggleFlag(pref_flags::kFastSelection);
-            return true;
-        case kFirstOrder:
-            toggleFlag(pref_flags::kFirstOrder);
-            return true;
-        case kLockEqualLetters:
-            toggleFlag(pref_flags::kLockEqualLetters);
-            return true;
-        case kGlobalCross:
-            toggleFlag(pref_flags::kGlobalCross);
             return true;
         default: {
             // The frame's rows whose windows (simulation, formats, cross peaks, help) are not part

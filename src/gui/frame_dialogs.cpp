@@ -50,6 +50,8 @@ void showPalette(MainWindow&) {}
 void showSettings(MainWindow& frame, SettingsStore* settings) {
     MemorySettingsStore scratch;
     SettingsDialog(frame.application(), settings ? *settings : scratch, &frame).exec();
+    // The preferences draw too (the fast plot's palette).
+    frame.scriptsRan();
 }
 
 // The frame parents the dialog so that the timer restoring the preferences outlives it.

@@ -41,6 +41,7 @@ void PlotView::setTool(int toolId) {
 
 void PlotView::setPreview(const SpectrumDocument* preview) {
     preview_ = preview;
+    page_ = QPixmap();
     update();
 }
 
@@ -54,18 +55,27 @@ void PlotView::setMarker(std::optional<double> ppm) {
 }
 
 void PlotView::documentChanged() {
+    page_ = QPixmap();
     update();
 }
 
 void PlotView::documentEdited() {
+    page_ = QPixmap();
     update();
     emit modified();
 }
 
 void PlotView::paintEvent(QPaintEvent*) {
+    const qreal ratio = devicePixelRatioF();
+    if (page_.isNull() || page_.deviceIndependentSize() != QSizeF(size())) {
+        page_ = QPixmap(size() * ratio);
+        page_.setDevicePixelRatio(ratio);
+        QPainter pagePainter(&page_);
+        pagePainter.fillRect(rect(), Qt::white);
+        renderPage(shownDocument(), pagePainter, size(), renderStyle(app_.preferences()));
+    }
     QPainter painter(this);
-    painter.fillRect(rect(), Qt::white);
-    renderPage(shownDocument(), painter, size(), renderStyle(app_.preferences()));
+    painter.drawPixmap(0, 0, page_);
     paintOverlay(painter);
 }
 
@@ -173,7 +183,7 @@ void PlotView::zoomTo(const PlotSpan& span) {
     pairs[0] = span.x;
     if (span.y) pairs[1] = *span.y;
     if (!showRegion(document_, pairs).applied) return;
-    update();
+    documentChanged();
     if (!span.y) emit traceZoomed(span.x[0], span.x[1]);
 }
 

@@ -2,6 +2,7 @@
 // the mouse and the tool keys into the document operations.
 #pragma once
 
+#include <QPixmap>
 #include <QPoint>
 #include <QWidget>
 #include <functional>
@@ -72,6 +73,9 @@ private:
     Application& app_;
     SpectrumDocument& document_;
     const SpectrumDocument* preview_ = nullptr;
+    // The page as last drawn: the cross-hair and a drag's band move over it without drawing
+    // the page again (a map's contours take tens of milliseconds). Null when out of date.
+    QPixmap page_;
     int tool_ = 850;
     PointHandler pointHandler_;
     std::optional<double> marker_;

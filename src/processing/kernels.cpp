@@ -12,36 +12,6 @@
 
 namespace zolt {
 
-namespace {
-
-// Source rows c0 ... c1-1, points i0 ... i1-1, to their columns in the destination.
-void transposeTile(const float* source, float* destination, size_t n, size_t stride, size_t c0,
-                   size_t c1, size_t i0, size_t i1) {
-    size_t c = c0;
-#if defined(__SSE2__)
-    for (; c + 4 <= c1; c += 4) {
-        size_t i = i0;
-        for (; i + 4 <= i1; i += 4) {
-            const float* s = source + c * n + i;
-            __m128 r0 = _mm_loadu_ps(s), r1 = _mm_loadu_ps(s + n);
-            __m128 r2 = _mm_loadu_ps(s + 2 * n), r3 = _mm_loadu_ps(s + 3 * n);
-            _MM_TRANSPOSE4_PS(r0, r1, r2, r3);
-            float* d = destination + i * stride + c;
-            _mm_storeu_ps(d, r0);
-            _mm_storeu_ps(d + stride, r1);
-            _mm_storeu_ps(d + 2 * stride, r2);
-            _mm_storeu_ps(d + 3 * stride, r3);
-        }
-        for (; i < i1; ++i)
-            for (size_t k = c; k < c + 4; ++k) destination[i * stride + k] = source[k * n + i];
-    }
-#endif
-    for (; c < c1; ++c)
-        for (size_t i = i0; i < i1; ++i) destination[i * stride + c] = source[c * n + i];
-}
-
-}  // namespace
-
 void subtractDc(float* data, size_t rows, size_t n, size_t stride, size_t first) {
     // The offset is read where the signal has decayed: the last sixteenth of the row.
     const size_t tail = n / 16;
@@ -102,6 +72,31 @@ void restride(float* re, float* im, size_t oldStride, size_t newStride, size_t r
     }
 }
 
+void transposeBlock(const float* from, size_t fromStride, float* to, size_t toStride, size_t rows,
+                    size_t columns) {
+    size_t k0 = 0;
+#if defined(__SSE2__)
+    for (; k0 + 4 <= rows; k0 += 4) {
+        size_t j0 = 0;
+        for (; j0 + 4 <= columns; j0 += 4) {
+            const float* in = from + k0 * fromStride + j0;
+            __m128 r0 = _mm_loadu_ps(in), r1 = _mm_loadu_ps(in + fromStride);
+            __m128 r2 = _mm_loadu_ps(in + 2 * fromStride), r3 = _mm_loadu_ps(in + 3 * fromStride);
+            _MM_TRANSPOSE4_PS(r0, r1, r2, r3);
+            float* out = to + j0 * toStride + k0;
+            _mm_storeu_ps(out, r0);
+            _mm_storeu_ps(out + toStride, r1);
+            _mm_storeu_ps(out + 2 * toStride, r2);
+            _mm_storeu_ps(out + 3 * toStride, r3);
+        }
+        for (size_t k = k0; k < k0 + 4; ++k)
+            for (size_t j = j0; j < columns; ++j) to[j * toStride + k] = from[k * fromStride + j];
+    }
+#endif
+    for (size_t k = k0; k < rows; ++k)
+        for (size_t j = 0; j < columns; ++j) to[j * toStride + k] = from[k * fromStride + j];
+}
+
 void transpose(const float* source, float* destination, size_t n, size_t m, size_t stride) {
     // Tiles keep both the rows read and the rows written in cache; inside a tile, blocks of
     // 4 x 4 go through registers so that whole vectors are read and written.
@@ -111,7 +106,8 @@ void transpose(const float* source, float* destination, size_t n, size_t m, size
         for (size_t c0 = begin * kTile; c0 < std::min(m, end * kTile); c0 += kTile) {
             const size_t c1 = std::min(m, c0 + kTile);
             for (size_t i0 = 0; i0 < n; i0 += kTile)
-                transposeTile(source, destination, n, stride, c0, c1, i0, std::min(n, i0 + kTile));
+                transposeBlock(source + c0 * n + i0, n, destination + i0 * stride + c0, stride,
+                               c1 - c0, std::min(n, i0 + kTile) - i0);
         }
     });
 }

@@ -4,10 +4,7 @@
 #include <new>
 #include <vector>
 
-#if defined(__SSE2__)
-#include <xmmintrin.h>
-#endif
-
+#include "processing/kernels.h"
 #include "processing/phase.h"
 #include "processing/row_parallel.h"
 
@@ -40,33 +37,6 @@ bool realRows(const SpectrumMatrix& m, int fIndex, RealRows& rows) {
     return true;
 }
 
-// to[j * toStride + k] = from[k * fromStride + j] for k < rows, j < columns: blocks of 4 x 4
-// through SSE registers where they fit, the rest point by point.
-void transposeTile(const float* from, size_t fromStride, float* to, size_t toStride, size_t rows,
-                   size_t columns) {
-    size_t k0 = 0;
-#if defined(__SSE2__)
-    for (; k0 + 4 <= rows; k0 += 4) {
-        size_t j0 = 0;
-        for (; j0 + 4 <= columns; j0 += 4) {
-            const float* in = from + k0 * fromStride + j0;
-            __m128 r0 = _mm_loadu_ps(in), r1 = _mm_loadu_ps(in + fromStride);
-            __m128 r2 = _mm_loadu_ps(in + 2 * fromStride), r3 = _mm_loadu_ps(in + 3 * fromStride);
-            _MM_TRANSPOSE4_PS(r0, r1, r2, r3);
-            float* out = to + j0 * toStride + k0;
-            _mm_storeu_ps(out, r0);
-            _mm_storeu_ps(out + toStride, r1);
-            _mm_storeu_ps(out + 2 * toStride, r2);
-            _mm_storeu_ps(out + 3 * toStride, r3);
-        }
-        for (size_t k = k0; k < k0 + 4; ++k)
-            for (size_t j = j0; j < columns; ++j) to[j * toStride + k] = from[k * fromStride + j];
-    }
-#endif
-    for (size_t k = k0; k < rows; ++k)
-        for (size_t j = 0; j < columns; ++j) to[j * toStride + k] = from[k * fromStride + j];
-}
-
 // Units [begin, end) of the walk; fn still sees the rows of a tile one by one, in order. A
 // walk that only reads leaves the gathered tiles unwritten.
 void walkUnits(const RealRows& rows, size_t begin, size_t end, std::vector<float>& buffer,
@@ -81,9 +51,9 @@ void walkUnits(const RealRows& rows, size_t begin, size_t end, std::vector<float
         const size_t o = u / rows.tilesPerBlock, j0 = u % rows.tilesPerBlock * kTile;
         const size_t t = std::min(kTile, w.inner - j0);
         float* base = rows.data + o * block + j0;
-        transposeTile(base, w.inner, buffer.data(), w.n, w.n, t);
+        transposeBlock(base, w.inner, buffer.data(), w.n, w.n, t);
         for (size_t j = 0; j < t; ++j) fn(buffer.data() + j * w.n, w.n, o * w.inner + j0 + j);
-        if (writeBack) transposeTile(buffer.data(), w.n, base, w.inner, t, w.n);
+        if (writeBack) transposeBlock(buffer.data(), w.n, base, w.inner, t, w.n);
     }
 }
 
