@@ -13,7 +13,7 @@ namespace {
 
 // Strided rows are gathered a tile at a time, so that each cache line read or written serves a
 // whole tile of rows instead of one point.
-constexpr size_t kTile = 16;
+constexpr size_t kTile = kRowGroup;
 
 using RowFunction = std::function<void(float*, size_t, size_t)>;
 
@@ -113,6 +113,34 @@ bool forEachRealRowInParallel(SpectrumMatrix& m, int fIndex, const RowFunction& 
         complete = false;
     }
     return complete;
+}
+
+size_t realRowGroupCount(const SpectrumMatrix& m, int fIndex) {
+    RealRows rows;
+    if (!realRows(m, fIndex, rows)) return 0;
+    return rows.w.inner == 1 ? (rows.w.outer + kRowGroup - 1) / kRowGroup : rows.units();
+}
+
+size_t readRealRowGroup(const SpectrumMatrix& m, int fIndex, size_t group,
+                        std::vector<float>& buffer, const float* rows[kRowGroup], size_t& first) {
+    RealRows r;
+    if (!realRows(m, fIndex, r)) return 0;
+    if (!tileBuffer(r, buffer)) throw std::bad_alloc();
+    const AxisWalk& w = r.w;
+    const float* data = m.re.data();
+    if (w.inner == 1) {
+        // Contiguous rows are read where they stand.
+        first = group * kRowGroup;
+        const size_t count = first < w.outer ? std::min(kRowGroup, w.outer - first) : 0;
+        for (size_t k = 0; k < count; ++k) rows[k] = data + (first + k) * w.n;
+        return count;
+    }
+    const size_t o = group / r.tilesPerBlock, j0 = group % r.tilesPerBlock * kTile;
+    const size_t count = std::min(kTile, w.inner - j0);
+    transposeBlock(data + o * w.n * w.inner + j0, w.inner, buffer.data(), w.n, w.n, count);
+    first = o * w.inner + j0;
+    for (size_t k = 0; k < count; ++k) rows[k] = buffer.data() + k * w.n;
+    return count;
 }
 
 }  // namespace zolt

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <vector>
 
 #include "model/spectrum_matrix.h"
 
@@ -24,5 +25,14 @@ size_t realRowCount(const SpectrumMatrix& m, int fIndex);
 // with index the row's place in the order above, each thread with a buffer of its own.
 bool forEachRealRowInParallel(SpectrumMatrix& m, int fIndex,
                               const std::function<void(float*, size_t, size_t)>& fn);
+
+// Groups of consecutive rows along fIndex, for work that takes the rows in order on several
+// threads: a row group is up to kRowGroup rows (a tile of a strided axis). realRowGroupCount is
+// 0 when the matrix is inconsistent; readRealRowGroup points rows[k] at row first + k, into the
+// matrix or into buffer (gathered there), and returns how many rows the group holds.
+inline constexpr size_t kRowGroup = 16;
+size_t realRowGroupCount(const SpectrumMatrix& m, int fIndex);
+size_t readRealRowGroup(const SpectrumMatrix& m, int fIndex, size_t group,
+                        std::vector<float>& buffer, const float* rows[kRowGroup], size_t& first);
 
 }  // namespace zolt

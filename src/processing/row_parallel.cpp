@@ -66,4 +66,8 @@ void forEachRowRange(size_t rows, size_t minRows, const std::function<void(size_
         if (failure) std::rethrow_exception(failure);
 }
 
+void onRowThreads(size_t count, const std::function<void()>& fn) {
+    forEachRowRange(count, 1, [&](size_t, size_t) { fn(); });
+}
+
 }  // namespace zolt

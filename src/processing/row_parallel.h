@@ -24,4 +24,8 @@ void setRowThreads(size_t threads);
 // caught there and thrown again on the calling thread once all have finished.
 void forEachRowRange(size_t rows, size_t minRows, const std::function<void(size_t, size_t)>& fn);
 
+// Runs fn once on each of min(count, rowThreads()) threads, the calling thread one of them, for
+// work that hands itself out; exceptions as above.
+void onRowThreads(size_t count, const std::function<void()>& fn);
+
 }  // namespace zolt

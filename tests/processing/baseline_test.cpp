@@ -6,6 +6,9 @@
 #include <random>
 
 #include "processing/baseline_detection.h"
+#include "processing/carried_detection.h"
+#include "processing/real_rows.h"
+#include "processing/row_parallel.h"
 #include "processing/whittaker.h"
 
 namespace zolt {
@@ -184,6 +187,45 @@ TEST(BaselineDetection, DifferencesOfSeveralRowsAreEachRowsOwn) {
     EXPECT_EQ(alone[w], -1.0);  // no difference of its own at the ends
     EXPECT_EQ(alone[n - w], -1.0);
     EXPECT_NE(alone[w + 1], -1.0);
+}
+
+// The carried threshold rises at the last row of every group of rows the threads take (a louder
+// row each time), and the first row of the next group is noisy enough that the threshold it
+// was marked from ahead decides its marks: such rows are marked again, and the masks stay
+// those of one run.
+TEST(BaselineDetection, RowsMarkedAheadOnThreadsAreThoseOfOneRun) {
+    SpectrumMatrix m;
+    m.dims[1].points = 300;
+    m.dims[2].points = 512;
+    m.contiguous = 2;
+    m.re.resize(300 * 512);
+    std::mt19937 gen(11);
+    std::normal_distribution<double> noise(0.0, 1.0);
+    for (size_t r = 0; r < 300; ++r) {
+        const double loud = std::pow(9.0, static_cast<double>(r / kRowGroup + 1));
+        const double sigma = r % kRowGroup == kRowGroup - 1 ? loud
+                             : r % kRowGroup == 0 && r > 0  ? loud / 27.0
+                                                            : 1.0;
+        for (size_t i = 0; i < 512; ++i) m.re[r * 512 + i] = static_cast<float>(sigma * noise(gen));
+    }
+    for (int f : {1, 2}) {
+        const size_t n = m.dims[f].points, rows = m.re.size() / n;
+        const auto masks = [&](size_t threads, std::vector<uint8_t>& detected) {
+            setRowThreads(threads);
+            std::vector<uint8_t> marks(rows * n, 9);
+            detected.assign(rows, 0);
+            detectBaselineRows(m, f, 2, n - 4, 3, marks, detected);
+            setRowThreads(0);
+            return marks;
+        };
+        std::vector<uint8_t> detectedOne, detectedSeveral;
+        const auto one = masks(1, detectedOne);
+        EXPECT_EQ(detectedOne, std::vector<uint8_t>(rows, 1));
+        for (size_t threads : {2, 8}) {
+            EXPECT_EQ(masks(threads, detectedSeveral), one) << f << " " << threads;
+            EXPECT_EQ(detectedSeveral, detectedOne);
+        }
+    }
 }
 
 TEST(BaselineDetection, DegenerateRowsStayBaseline) {

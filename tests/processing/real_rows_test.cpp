@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace zolt {
@@ -25,6 +26,16 @@ TEST(RealRows, StridedRowsAreGatheredAndWrittenBackPointForPoint) {
                 seen.insert(seen.end(), row, row + n);
             }));
             ASSERT_EQ(seen.size(), m.re.size());
+            // The same rows in groups, read in any order.
+            std::vector<float> buffer;
+            for (size_t g = realRowGroupCount(m, 1); g-- > 0;) {
+                const float* rows[kRowGroup];
+                size_t first = 0;
+                const size_t count = readRealRowGroup(m, 1, g, buffer, rows, first);
+                ASSERT_GT(count, 0u);
+                for (size_t k = 0; k < count; ++k)
+                    ASSERT_TRUE(std::equal(rows[k], rows[k] + n1, seen.begin() + (first + k) * n1));
+            }
             for (size_t j = 0; j < n2; ++j)
                 for (size_t k = 0; k < n1; ++k)
                     ASSERT_EQ(seen[j * n1 + k], static_cast<float>(k * n2 + j)) << n1 << "x" << n2;
