@@ -66,16 +66,19 @@ void detectInOrder(const SpectrumMatrix& m, int fIndex, size_t lo, size_t n, int
     if (held) mark();
 }
 
-// Whether a row marked from `marked` has the mask and the threshold it has when marked from
-// `state`. A first row starts afresh. After it, the carried threshold only marks at once the
-// differences above twice its value, so two thresholds mark a row alike unless a difference
-// lies between their two limits.
+// Whether a row marked from `marked` has the mask it has when marked from `state`, and a
+// threshold that carries as its own would. A first row starts afresh. After it, the carried
+// threshold only marks at once the differences above twice its value, so a row marked from a
+// lower threshold is marked alike unless a difference lies between the two limits; its carried
+// threshold is then the greater of its own and the lower one, and taking the greater with the
+// higher gives the one it carries. From a higher threshold (ahead of a row marked again) its own
+// is lost in the greater: such a row is marked again.
 bool markedAlike(const double* d, size_t n, int w, const RunState& marked, const RunState& state) {
     if (marked.mode != state.mode) return false;
     if (!(state.mode & kCarryThreshold) || marked.carried == state.carried) return true;
+    if (marked.carried > state.carried) return false;
     if (!hasDifferences(n, w)) return true;
-    const double a = 2.0 * marked.carried, b = 2.0 * state.carried;
-    const double low = std::min(a, b), high = std::max(a, b);
+    const double low = 2.0 * marked.carried, high = 2.0 * state.carried;
     const size_t hw = static_cast<size_t>(std::max(w, 0));
     for (size_t i = hw + 1; i <= n - hw - 1; ++i)
         if (d[i] > low && d[i] <= high) return false;
@@ -181,7 +184,6 @@ private:
         const Marking& marked = slot.marks[k];
         const size_t row = slot.first + k;
         if (markedAlike(d, n_, w_, marked.from, state_)) {
-            // From a lower threshold the row's own is the same; only the greater one carries.
             state_.carried = state_.mode & kCarryThreshold
                                  ? std::max(state_.carried, marked.carriedOut)
                                  : marked.carriedOut;
