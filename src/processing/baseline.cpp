@@ -59,7 +59,8 @@ struct FitScratch {
 
 // Least-squares polynomial through the chosen points of row. Every element of the matrix is
 // written, so a buffer that has grown once is neither cleared nor grown again.
-std::vector<double> fitThrough(const float* row, const FitAxis& axis, FitScratch& s) {
+// The least-squares matrix of the chosen points of row, into s.a; returns its rows.
+size_t fillMatrix(const float* row, const FitAxis& axis, FitScratch& s) {
     const size_t m = s.chosen.size(), p = axis.p, stride = leastSquaresStride(p);
     if (s.a.size() < m * stride) s.a.resize(m * stride);
     for (size_t r = 0; r < m; ++r) {
@@ -69,7 +70,11 @@ std::vector<double> fitThrough(const float* row, const FitAxis& axis, FitScratch
         out[p] = row[s.chosen[r]];
         for (size_t j = p + 1; j < stride; ++j) out[j] = 0.0;
     }
-    return solveLeastSquares(s.a.data(), m, p);
+    return m;
+}
+
+std::vector<double> fitThrough(const float* row, const FitAxis& axis, FitScratch& s) {
+    return solveLeastSquares(s.a.data(), fillMatrix(row, axis, s), axis.p);
 }
 
 // Keeps in s.kept the chosen points that lie at most three standard deviations of the noise
@@ -155,32 +160,101 @@ void subtractFitted(float* row, size_t n, const double* abscissa, const std::vec
     for (; i < n; ++i) row[i] = static_cast<float>(row[i] - evaluatePolynomial(c, abscissa[i]));
 }
 
-std::vector<double> fitPolynomial(const float* row, const uint8_t* mask, const FitAxis& axis,
-                                  FitScratch& s) {
-    const size_t n = axis.n, p = axis.p;
-    // The baseline points in order, without a branch on each mark.
+// The first fit's points: the baseline points in order, found without a branch on each mark,
+// at most polynomialFitPoints of them evenly spread over the list. False when there are fewer
+// than the coefficients.
+bool chooseFitPoints(const uint8_t* mask, const FitAxis& axis, FitScratch& s) {
+    const size_t n = axis.n;
     s.baseline.resize(n);
     size_t count = 0;
     for (size_t i = 0; i < n; ++i) {
         s.baseline[count] = i;
         count += mask[i] == 0;
     }
-    if (count < p) return {};
-    // At most polynomialFitPoints of them, evenly spread over the list.
-    const size_t m = std::min(count, polynomialFitPoints(n, static_cast<int>(p) - 1));
+    if (count < axis.p) return false;
+    const size_t m = std::min(count, polynomialFitPoints(n, static_cast<int>(axis.p) - 1));
     s.chosen.resize(m);
     for (size_t r = 0; r < m; ++r) s.chosen[r] = s.baseline[r * count / m];
+    return true;
+}
+
+// After the fit c of refit `round`: whether another is due, its points then in s.chosen. The
+// detector sees lines, not humps: a broad signal (an exchange-broadened OH, a probe background)
+// passes for baseline and would bend the curve into itself. Fit points more than three noise
+// deviations above the curve are dropped and the fit repeated.
+bool refitDue(const float* row, const FitAxis& axis, const std::vector<double>& c, FitScratch& s,
+              int& round) {
+    if (round >= kMaxBaselineRefits) return false;
+    keepPointsNotAboveCurve(row, axis, c, s);
+    if (s.kept.size() == s.chosen.size() || s.kept.size() < axis.p) return false;
+    s.chosen.swap(s.kept);
+    ++round;
+    return true;
+}
+
+std::vector<double> fitPolynomial(const float* row, const uint8_t* mask, const FitAxis& axis,
+                                  FitScratch& s) {
+    if (!chooseFitPoints(mask, axis, s)) return {};
+    int round = 0;
     auto c = fitThrough(row, axis, s);
-    // The detector sees lines, not humps: a broad signal (an exchange-broadened OH, a probe
-    // background) passes for baseline and would bend the curve into itself. Fit points more
-    // than three noise deviations above the curve are dropped and the fit repeated.
-    for (int round = 0; round < kMaxBaselineRefits; ++round) {
-        keepPointsNotAboveCurve(row, axis, c, s);
-        if (s.kept.size() == s.chosen.size() || s.kept.size() < p) break;
-        s.chosen.swap(s.kept);
-        c = fitThrough(row, axis, s);
-    }
+    while (refitDue(row, axis, c, s, round)) c = fitThrough(row, axis, s);
     return c;
+}
+
+// fitPolynomial of two rows, their fits solved side by side while both have one due.
+void fitPolynomialTwo(const float* const row[2], const uint8_t* const mask[2], const FitAxis& axis,
+                      FitScratch s[2], std::vector<double> c[2]) {
+    bool due[2];
+    int round[2] = {0, 0};
+    for (int k = 0; k < 2; ++k) {
+        due[k] = chooseFitPoints(mask[k], axis, s[k]);
+        c[k].clear();
+    }
+    while (due[0] || due[1]) {
+        if (due[0] && due[1]) {
+            const size_t m0 = fillMatrix(row[0], axis, s[0]), m1 = fillMatrix(row[1], axis, s[1]);
+            solveLeastSquaresTwo(s[0].a.data(), m0, s[1].a.data(), m1, axis.p, c[0], c[1]);
+        } else {
+            const int k = due[0] ? 0 : 1;
+            c[k] = fitThrough(row[k], axis, s[k]);
+        }
+        for (int k = 0; k < 2; ++k)
+            if (due[k]) due[k] = refitDue(row[k], axis, c[k], s[k], round[k]);
+    }
+}
+
+// Fits the rows two at a time, their least-squares sums side by side, and subtracts each fit.
+// A pair that runs out of memory stays as it was.
+void subtractFittedPolynomials(float* const* rows, const uint8_t* const* masks, size_t count,
+                               const FitAxis& axis) {
+    thread_local FitScratch scratch[2];
+    std::vector<double> c[2];
+    for (size_t k = 0; k < count; k += 2) {
+        const size_t here = std::min<size_t>(2, count - k);
+        try {
+            if (here == 2)
+                fitPolynomialTwo(rows + k, masks + k, axis, scratch, c);
+            else
+                c[0] = fitPolynomial(rows[k], masks[k], axis, scratch[0]);
+        } catch (const std::bad_alloc&) {
+            continue;
+        }
+        for (size_t j = 0; j < here; ++j)
+            if (!c[j].empty()) subtractFitted(rows[k + j], axis.n, axis.x.data(), c[j]);
+    }
+}
+
+void subtractSmoothed(float* const* rows, const uint8_t* const* masks, size_t count, size_t n,
+                      double lambda) {
+    for (size_t k = 0; k < count; ++k) {
+        try {
+            std::vector<float> smooth(n);
+            if (whittakerSmooth(rows[k], masks[k], n, lambda, smooth.data()))
+                for (size_t i = 0; i < n; ++i) rows[k][i] -= smooth[i];
+        } catch (const std::bad_alloc&) {
+            // The row stays as it was.
+        }
+    }
 }
 
 }  // namespace
@@ -231,24 +305,22 @@ std::optional<Message> correctBaseline(SpectrumMatrix& m, int fIndex,
         return std::nullopt;
     }
     detectBaselineRows(m, fIndex, lo, n, w, masks, detected);
-    forEachRealRowInParallel(m, fIndex, [&](float* row, size_t, size_t r) {
-        if (r >= rows || !detected[r]) return;
-        float* part = row + lo;
-        const uint8_t* mask = masks.data() + r * n;
-        try {
-            if (polynomial) {
-                thread_local FitScratch scratch;
-                const auto c = fitPolynomial(part, mask, axis, scratch);
-                if (!c.empty()) subtractFitted(part, n, axis.x.data(), c);
-            } else {
-                std::vector<float> smooth(n);
-                if (whittakerSmooth(part, mask, n, lambda, smooth.data()))
-                    for (size_t i = 0; i < n; ++i) part[i] -= smooth[i];
-            }
-        } catch (const std::bad_alloc&) {
-            // The row stays as it was.
-        }
-    });
+    forEachRealRowGroupInParallel(m, fIndex,
+                                  [&](float* const* group, size_t count, size_t, size_t first) {
+                                      float* part[kRowGroup];
+                                      const uint8_t* mask[kRowGroup];
+                                      size_t marked = 0;
+                                      for (size_t k = 0; k < count; ++k) {
+                                          const size_t r = first + k;
+                                          if (r >= rows || !detected[r]) continue;
+                                          part[marked] = group[k] + lo;
+                                          mask[marked++] = masks.data() + r * n;
+                                      }
+                                      if (polynomial)
+                                          subtractFittedPolynomials(part, mask, marked, axis);
+                                      else
+                                          subtractSmoothed(part, mask, marked, n, lambda);
+                                  });
     return std::nullopt;
 }
 

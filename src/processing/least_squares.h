@@ -17,4 +17,10 @@ inline size_t leastSquaresStride(size_t p) {
 // element of R falls below kQrZeroLimit is 0.
 std::vector<double> solveLeastSquares(double* a, size_t m, size_t p);
 
+// Two such systems with the same p, solved side by side: each gets the very coefficients
+// solveLeastSquares gives it alone, in about the time of one, as the sums of each wait on their
+// own previous terms.
+void solveLeastSquaresTwo(double* a1, size_t m1, double* a2, size_t m2, size_t p,
+                          std::vector<double>& c1, std::vector<double>& c2);
+
 }  // namespace zolt

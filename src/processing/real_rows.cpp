@@ -67,6 +67,35 @@ bool tileBuffer(const RealRows& rows, std::vector<float>& buffer) {
     }
 }
 
+size_t groupCount(const RealRows& rows) {
+    return rows.w.inner == 1 ? (rows.w.outer + kRowGroup - 1) / kRowGroup : rows.units();
+}
+
+// The rows of a group: contiguous ones where they stand, a tile's gathered into buffer.
+size_t groupRows(const RealRows& r, size_t group, std::vector<float>& buffer,
+                 float* rows[kRowGroup], size_t& first) {
+    const AxisWalk& w = r.w;
+    if (w.inner == 1) {
+        first = group * kRowGroup;
+        const size_t count = first < w.outer ? std::min(kRowGroup, w.outer - first) : 0;
+        for (size_t k = 0; k < count; ++k) rows[k] = r.data + (first + k) * w.n;
+        return count;
+    }
+    const size_t o = group / r.tilesPerBlock, j0 = group % r.tilesPerBlock * kTile;
+    const size_t count = std::min(kTile, w.inner - j0);
+    transposeBlock(r.data + o * w.n * w.inner + j0, w.inner, buffer.data(), w.n, w.n, count);
+    first = o * w.inner + j0;
+    for (size_t k = 0; k < count; ++k) rows[k] = buffer.data() + k * w.n;
+    return count;
+}
+
+void writeGroupBack(const RealRows& r, size_t group, const std::vector<float>& buffer) {
+    const AxisWalk& w = r.w;
+    const size_t o = group / r.tilesPerBlock, j0 = group % r.tilesPerBlock * kTile;
+    const size_t count = std::min(kTile, w.inner - j0);
+    transposeBlock(buffer.data(), w.n, r.data + o * w.n * w.inner + j0, w.inner, count, w.n);
+}
+
 }  // namespace
 
 size_t realRowCount(const SpectrumMatrix& m, int fIndex) {
@@ -118,7 +147,7 @@ bool forEachRealRowInParallel(SpectrumMatrix& m, int fIndex, const RowFunction& 
 size_t realRowGroupCount(const SpectrumMatrix& m, int fIndex) {
     RealRows rows;
     if (!realRows(m, fIndex, rows)) return 0;
-    return rows.w.inner == 1 ? (rows.w.outer + kRowGroup - 1) / kRowGroup : rows.units();
+    return groupCount(rows);
 }
 
 size_t readRealRowGroup(const SpectrumMatrix& m, int fIndex, size_t group,
@@ -126,21 +155,35 @@ size_t readRealRowGroup(const SpectrumMatrix& m, int fIndex, size_t group,
     RealRows r;
     if (!realRows(m, fIndex, r)) return 0;
     if (!tileBuffer(r, buffer)) throw std::bad_alloc();
-    const AxisWalk& w = r.w;
-    const float* data = m.re.data();
-    if (w.inner == 1) {
-        // Contiguous rows are read where they stand.
-        first = group * kRowGroup;
-        const size_t count = first < w.outer ? std::min(kRowGroup, w.outer - first) : 0;
-        for (size_t k = 0; k < count; ++k) rows[k] = data + (first + k) * w.n;
-        return count;
-    }
-    const size_t o = group / r.tilesPerBlock, j0 = group % r.tilesPerBlock * kTile;
-    const size_t count = std::min(kTile, w.inner - j0);
-    transposeBlock(data + o * w.n * w.inner + j0, w.inner, buffer.data(), w.n, w.n, count);
-    first = o * w.inner + j0;
-    for (size_t k = 0; k < count; ++k) rows[k] = buffer.data() + k * w.n;
+    // Read only: nothing is written through these rows.
+    r.data = const_cast<float*>(m.re.data());
+    float* found[kRowGroup];
+    const size_t count = groupRows(r, group, buffer, found, first);
+    std::copy_n(found, count, rows);
     return count;
+}
+
+bool forEachRealRowGroupInParallel(SpectrumMatrix& m, int fIndex, const GroupFunction& fn) {
+    RealRows r;
+    if (!realRows(m, fIndex, r)) return false;
+    r.data = m.re.data();
+    bool complete = true;
+    try {
+        forEachRowRange(groupCount(r), r.w.inner == 1 ? 1 : 2, [&](size_t begin, size_t end) {
+            std::vector<float> buffer;
+            if (!tileBuffer(r, buffer)) throw std::bad_alloc();
+            for (size_t g = begin; g < end; ++g) {
+                float* rows[kRowGroup];
+                size_t first = 0;
+                const size_t count = groupRows(r, g, buffer, rows, first);
+                fn(rows, count, r.w.n, first);
+                if (r.w.inner > 1) writeGroupBack(r, g, buffer);
+            }
+        });
+    } catch (const std::bad_alloc&) {
+        complete = false;
+    }
+    return complete;
 }
 
 }  // namespace zolt

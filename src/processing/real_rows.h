@@ -35,4 +35,9 @@ size_t realRowGroupCount(const SpectrumMatrix& m, int fIndex);
 size_t readRealRowGroup(const SpectrumMatrix& m, int fIndex, size_t group,
                         std::vector<float>& buffer, const float* rows[kRowGroup], size_t& first);
 
+// forEachRealRowInParallel a group at a time: fn(rows, count, n, first) with rows[k] the row
+// first + k, for work that takes rows together.
+using GroupFunction = std::function<void(float* const*, size_t, size_t, size_t)>;
+bool forEachRealRowGroupInParallel(SpectrumMatrix& m, int fIndex, const GroupFunction& fn);
+
 }  // namespace zolt
