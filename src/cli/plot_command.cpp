@@ -6,10 +6,10 @@
 #include "app/application.h"
 #include "app/headless_platform.h"
 #include "cli/headless_settings.h"
+#include "cli/picture_module.h"
 #include "cli/run_command.h"
 #include "operations/display_operations.h"
 #include "platform_qt/qt_settings_store.h"
-#include "plot/picture_output.h"
 
 namespace zolt {
 
@@ -70,13 +70,15 @@ int runPlotCommand(const std::vector<std::string>& args, std::ostream& out, std:
         out << kPlotUsage;
         return 0;
     }
-    ensureGuiApplication();
+    // Nothing is opened or run when the picture cannot be drawn in the end.
+    const ModulePictureWriter write = pictureModule(err);
+    if (!write) return 1;
     HeadlessPlatform platform(out, err);
     QtSettingsStore settings;
     Application app(platform, headlessPreferences(settings, options->automatic));
-    useHeadlessSettings(app, settings, options->automatic);
+    useHeadlessSettings(app, settings, options->automatic, err);
     if (options->processed) app.preferences().flags |= pref_flags::kReadProcessedData;
-    const RenderStyle style = renderStyle(app.preferences());
+    const Preferences style = app.preferences();  // drawn as the command started
     if (app.open(options->path) == 0 || !app.frontDocument()) return 1;
     SpectrumDocument& doc = *app.frontDocument();
     if (options->width) setClientSize(doc, {options->width, options->height});
@@ -90,7 +92,7 @@ int runPlotCommand(const std::vector<std::string>& args, std::ostream& out, std:
     // The chunks may have closed it or brought another to the front.
     SpectrumDocument* front = app.frontDocument();
     if (!front) return 1;
-    if (!writePicture(*front, options->out, "", {}, style)) {
+    if (!write(*front, options->out, "", style)) {
         err << "zolt-cli plot: cannot write " << options->out << '\n';
         status = 1;
     }

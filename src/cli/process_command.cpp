@@ -215,7 +215,7 @@ int runProcessCommand(const std::vector<std::string>& args, std::ostream& out, s
     // The script runs by itself here, not on opening: the start-up script is made sure of by
     // the command.
     Application app(platform, headlessPreferences(settings, false));
-    useHeadlessSettings(app, settings, false);
+    useHeadlessSettings(app, settings, false, err);
     return processInApplication(app, platform, *options, out, err,
                                 isatty(STDERR_FILENO) ? &err : nullptr);
 }

@@ -94,7 +94,7 @@ int runRunCommand(const std::vector<std::string>& args, std::ostream& out, std::
     HeadlessPlatform platform(out, err);
     QtSettingsStore settings;
     Application app(platform, headlessPreferences(settings, options->automatic));
-    useHeadlessSettings(app, settings, options->automatic);
+    useHeadlessSettings(app, settings, options->automatic, err);
     return runInApplication(app, platform, *options, out, err);
 }
 

@@ -24,11 +24,12 @@ inline std::string quoted(const std::string& s) {
     return q + "'";
 }
 
-inline CliRun runCli(const std::vector<std::string>& args) {
+// `program`: the built zolt-cli, or a copy of it elsewhere.
+inline CliRun runCliAt(const std::string& program, const std::vector<std::string>& args) {
     static const std::string home = freshTempDir("cli-home");
     const std::string dir = freshTempDir("cli-out");
     std::string command = "HOME=" + quoted(home) + " XDG_CONFIG_HOME=" + quoted(home + "/config") +
-                          " " + quoted(cliPath());
+                          " " + quoted(program);
     for (const auto& a : args) command += " " + quoted(a);
     command += " >" + quoted(dir + "/out") + " 2>" + quoted(dir + "/err") + " </dev/null";
     const int raw = std::system(command.c_str());
@@ -36,6 +37,10 @@ inline CliRun runCli(const std::vector<std::string>& args) {
              readFile(dir + "/err")};
     std::filesystem::remove_all(dir);
     return r;
+}
+
+inline CliRun runCli(const std::vector<std::string>& args) {
+    return runCliAt(cliPath(), args);
 }
 
 }  // namespace zolt::testdata
