@@ -32,6 +32,19 @@ struct Quadrants {
     }
 };
 
+// The n1 x n2 grid of powers read a line at a time along the axis closer together in memory;
+// power(first, step, n, out) writes the powers of n points `step` apart from index `first` on.
+template <typename Power>
+GridLines powerLines(const Power& power, size_t n1, size_t n2, size_t stride1, size_t stride2,
+                     size_t margin1, size_t margin2) {
+    GridLines grid{n1, n2, margin1, margin2, stride2 <= stride1, {}};
+    if (grid.alongRows)
+        grid.values = [=](size_t i1, double* out) { power(i1 * stride1, stride2, n2, out); };
+    else
+        grid.values = [=](size_t i2, double* out) { power(i2 * stride2, stride1, n1, out); };
+    return grid;
+}
+
 // The complex vectors along one axis through each peak, combined from the two quadrant pairs
 // of that axis with the peak point's own weights so that the other axis' phase drops out.
 AutoPhaseResult phaseAlong(const Quadrants& q, const std::vector<LocalMaximum>& peaks, bool direct,
@@ -71,12 +84,15 @@ AutoPhaseResult phaseAlong(const Quadrants& q, const std::vector<LocalMaximum>& 
 AutoPhase2DResult phaseIndirectOnly(SpectrumMatrix& m, int highestTIndex, size_t maxPeaks) {
     const size_t n1 = m.dims[1].points, n2 = m.dims[2].points, total = m.pointCount();
     const size_t s1 = axisWalk(m, 1, total).inner, s2 = axisWalk(m, 2, total).inner;
-    const auto power = [&](size_t i1, size_t i2) {
-        const size_t i = i1 * s1 + i2 * s2;
-        return double{m.re[i]} * m.re[i] + double{m.im[i]} * m.im[i];
+    const float* pr = m.re.data();
+    const float* pi = m.im.data();
+    const auto power = [=](size_t i, size_t step, size_t n, double* out) {
+        for (size_t k = 0; k < n; ++k, i += step)
+            out[k] = double{pr[i]} * pr[i] + double{pi[i]} * pi[i];
     };
     AutoPhase2DResult result;
-    const auto peaks = strongestLocalMaxima(power, n1, n2, kPeakMargin, 1, maxPeaks);
+    const auto peaks =
+        strongestLocalMaxima(powerLines(power, n1, n2, s1, s2, kPeakMargin, 1), maxPeaks);
     if (peaks.empty()) return result;
     const size_t keep = peaks.size();
     std::vector<std::vector<float>> re(keep, std::vector<float>(n1)),
@@ -129,8 +145,11 @@ std::optional<AutoPhase2DResult> autoPhase2D(SpectrumMatrix& m, int highestTInde
     }
     const size_t half = total / 2;
     const Quadrants q{m, half, axisWalk(m, 1, half).inner, axisWalk(m, 2, half).inner};
-    const auto power = [&](size_t i1, size_t i2) { return q.power(q.at(i1, i2)); };
-    const auto peaks = strongestLocalMaxima(power, n1, n2, kPeakMargin, kPeakMargin, maxPeaks);
+    const auto power = [&q](size_t i, size_t step, size_t n, double* out) {
+        for (size_t k = 0; k < n; ++k, i += step) out[k] = q.power(i);
+    };
+    const auto peaks = strongestLocalMaxima(
+        powerLines(power, n1, n2, q.stride1, q.stride2, kPeakMargin, kPeakMargin), maxPeaks);
     AutoPhase2DResult result;
     if (peaks.empty()) return result;
     result.direct = phaseAlong(q, peaks, true, n2);
