@@ -1,5 +1,6 @@
 // Automatic phase correction of 2-D spectra: the peak criterion on the rows and columns through
 // the strongest cross peaks.
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -12,6 +13,7 @@
 #include "processing/local_maxima.h"
 #include "processing/phase.h"
 #include "processing/phase_criteria.h"
+#include "processing/row_parallel.h"
 
 namespace zolt {
 namespace {
@@ -80,31 +82,46 @@ GridLines powerLines(const Power& power, size_t n1, size_t n2, size_t stride1, s
 // of that axis with the peak point's own weights so that the other axis' phase drops out.
 AutoPhaseResult phaseAlong(const Quadrants& q, const std::vector<LocalMaximum>& peaks, bool direct,
                            size_t n) {
-    std::vector<std::vector<float>> re(peaks.size(), std::vector<float>(n)),
-        im(peaks.size(), std::vector<float>(n));
-    std::vector<PhaseSlice> slices;
-    for (size_t p = 0; p < peaks.size(); ++p) {
-        const size_t i1 = peaks[p].i1, i2 = peaks[p].i2, at = q.at(i1, i2);
+    const size_t count = peaks.size();
+    std::vector<std::vector<float>> re(count, std::vector<float>(n)),
+        im(count, std::vector<float>(n));
+    std::vector<double> wa(count), wb(count);
+    for (size_t p = 0; p < count; ++p) {
+        const size_t at = q.at(peaks[p].i1, peaks[p].i2);
         // Along f2 the pairs are (rr, ir) and (ri, ii), weighted by the f1 components; along f1
         // (rr, ri) and (ir, ii), weighted by the f2 components.
-        double wa = q.rr(at), wb = direct ? q.ri(at) : q.ir(at);
+        wa[p] = q.rr(at);
+        wb[p] = direct ? q.ri(at) : q.ir(at);
         const double oa = direct ? q.ir(at) : q.ri(at), ob = q.ii(at);
-        if (oa * oa + ob * ob > wa * wa + wb * wb) {
-            wa = oa;
-            wb = ob;
+        if (oa * oa + ob * ob > wa[p] * wa[p] + wb[p] * wb[p]) {
+            wa[p] = oa;
+            wb[p] = ob;
         }
-        for (size_t k = 0; k < n; ++k) {
-            const size_t i = direct ? q.at(i1, k) : q.at(k, i2);
-            if (direct) {
-                re[p][k] = static_cast<float>(wa * q.rr(i) + wb * q.ri(i));
-                im[p][k] = static_cast<float>(wa * q.ir(i) + wb * q.ii(i));
-            } else {
-                re[p][k] = static_cast<float>(wa * q.rr(i) + wb * q.ir(i));
-                im[p][k] = static_cast<float>(wa * q.ri(i) + wb * q.ii(i));
+    }
+    // A stretch of the axis at a time for all peaks: where the axis runs across memory, the
+    // peaks' points of one stretch lie in the same few pages.
+    constexpr size_t kStretch = 64;
+    forEachRowRange((n + kStretch - 1) / kStretch, 4, [&](size_t begin, size_t end) {
+        for (size_t k0 = begin * kStretch; k0 < std::min(n, end * kStretch); k0 += kStretch) {
+            const size_t k1 = std::min(n, k0 + kStretch);
+            for (size_t p = 0; p < count; ++p) {
+                const size_t i1 = peaks[p].i1, i2 = peaks[p].i2;
+                for (size_t k = k0; k < k1; ++k) {
+                    const size_t i = direct ? q.at(i1, k) : q.at(k, i2);
+                    if (direct) {
+                        re[p][k] = static_cast<float>(wa[p] * q.rr(i) + wb[p] * q.ri(i));
+                        im[p][k] = static_cast<float>(wa[p] * q.ir(i) + wb[p] * q.ii(i));
+                    } else {
+                        re[p][k] = static_cast<float>(wa[p] * q.rr(i) + wb[p] * q.ir(i));
+                        im[p][k] = static_cast<float>(wa[p] * q.ri(i) + wb[p] * q.ii(i));
+                    }
+                }
             }
         }
-        slices.push_back({re[p].data(), im[p].data(), direct ? i2 : i1});
-    }
+    });
+    std::vector<PhaseSlice> slices;
+    for (size_t p = 0; p < count; ++p)
+        slices.push_back({re[p].data(), im[p].data(), direct ? peaks[p].i2 : peaks[p].i1});
     return estimatePhaseFromSlices(slices, n);
 }
 
