@@ -39,20 +39,23 @@ struct Quadrants {
 template <size_t arrays>
 struct SquareSums {
     const float* a[arrays];
-    // The powers of n points `step` apart from index i on. Along a contiguous line two points
-    // at a time: SSE2's two double lanes do each the same products and sums as the plain loop.
+    // The powers of n points `step` apart from index i on. Along a contiguous line four points
+    // at a time: each of SSE2's double lanes does the same products and sums as the plain loop.
     void operator()(size_t i, size_t step, size_t n, double* out) const {
         size_t k = 0;
 #if defined(__SSE2__)
         if (step == 1) {
-            for (; k + 2 <= n; k += 2) {
-                __m128d sum = _mm_setzero_pd();
+            for (; k + 4 <= n; k += 4) {
+                __m128d low = _mm_setzero_pd(), high = _mm_setzero_pd();
+#pragma GCC unroll 4
                 for (size_t r = 0; r < arrays; ++r) {
-                    const __m128d v = _mm_cvtps_pd(
-                        _mm_castpd_ps(_mm_load_sd(reinterpret_cast<const double*>(a[r] + i + k))));
-                    sum = r ? _mm_add_pd(sum, _mm_mul_pd(v, v)) : _mm_mul_pd(v, v);
+                    const __m128 v = _mm_loadu_ps(a[r] + i + k);
+                    const __m128d vl = _mm_cvtps_pd(v), vh = _mm_cvtps_pd(_mm_movehl_ps(v, v));
+                    low = r ? _mm_add_pd(low, _mm_mul_pd(vl, vl)) : _mm_mul_pd(vl, vl);
+                    high = r ? _mm_add_pd(high, _mm_mul_pd(vh, vh)) : _mm_mul_pd(vh, vh);
                 }
-                _mm_storeu_pd(out + k, sum);
+                _mm_storeu_pd(out + k, low);
+                _mm_storeu_pd(out + k + 2, high);
             }
         }
 #endif
