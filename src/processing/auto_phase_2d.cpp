@@ -39,12 +39,15 @@ struct Quadrants {
 template <size_t arrays>
 struct SquareSums {
     const float* a[arrays];
-    // The powers of n points `step` apart from index i on. Along a contiguous line four points
-    // at a time: each of SSE2's double lanes does the same products and sums as the plain loop.
-    void operator()(size_t i, size_t step, size_t n, double* out) const {
+    // The powers of n points `step` apart from index i on, and the largest of them (NaN aside).
+    // Along a contiguous line four points at a time: each of SSE2's double lanes does the same
+    // products and sums as the plain loop.
+    double operator()(size_t i, size_t step, size_t n, double* out) const {
         size_t k = 0;
+        double largest = 0.0;
 #if defined(__SSE2__)
         if (step == 1) {
+            __m128d top = _mm_setzero_pd();
             for (; k + 4 <= n; k += 4) {
                 __m128d low = _mm_setzero_pd(), high = _mm_setzero_pd();
 #pragma GCC unroll 4
@@ -56,7 +59,12 @@ struct SquareSums {
                 }
                 _mm_storeu_pd(out + k, low);
                 _mm_storeu_pd(out + k + 2, high);
+                // maxpd keeps its second operand where the first is NaN.
+                top = _mm_max_pd(low, _mm_max_pd(high, top));
             }
+            double lanes[2];
+            _mm_storeu_pd(lanes, top);
+            largest = std::max(lanes[0], lanes[1]);
         }
 #endif
         for (; k < n; ++k) {
@@ -64,7 +72,9 @@ struct SquareSums {
             double sum = double{a[0][at]} * a[0][at];
             for (size_t r = 1; r < arrays; ++r) sum += double{a[r][at]} * a[r][at];
             out[k] = sum;
+            if (sum > largest) largest = sum;
         }
+        return largest;
     }
 };
 
@@ -75,9 +85,9 @@ GridLines powerLines(const Power& power, size_t n1, size_t n2, size_t stride1, s
                      size_t margin1, size_t margin2) {
     GridLines grid{n1, n2, margin1, margin2, stride2 <= stride1, {}};
     if (grid.alongRows)
-        grid.values = [=](size_t i1, double* out) { power(i1 * stride1, stride2, n2, out); };
+        grid.values = [=](size_t i1, double* out) { return power(i1 * stride1, stride2, n2, out); };
     else
-        grid.values = [=](size_t i2, double* out) { power(i2 * stride2, stride1, n1, out); };
+        grid.values = [=](size_t i2, double* out) { return power(i2 * stride2, stride1, n1, out); };
     return grid;
 }
 

@@ -46,10 +46,16 @@ void scanLines(const GridLines& grid, size_t begin, size_t end, size_t keep,
     double* here = before + points;
     double* after = here + points;
     if (begin > 0) grid.values(begin - 1, before);
-    grid.values(begin, here);
-    double floor = 0.0;
+    double bound = grid.values(begin, here), floor = 0.0;
     for (size_t j = begin; j < end; ++j) {
-        if (j + 1 < lines) grid.values(j + 1, after);
+        const double next = j + 1 < lines ? grid.values(j + 1, after) : 0.0;
+        if (!(bound > floor)) {
+            // Nothing of this line can join the candidates.
+            std::swap(before, here);
+            std::swap(here, after);
+            bound = next;
+            continue;
+        }
         // A missing line or point stands in as the point's own, which never exceeds it.
         const double* above = j > 0 ? before : here;
         const double* below = j + 1 < lines ? after : here;
@@ -75,6 +81,7 @@ void scanLines(const GridLines& grid, size_t begin, size_t end, size_t keep,
         }
         std::swap(before, here);
         std::swap(here, after);
+        bound = next;
     }
 }
 

@@ -18,11 +18,12 @@ void keepStrongest(std::vector<LocalMaximum>& maxima, size_t count);
 
 // A grid whose values are read a line at a time along the axis that lies contiguous in memory:
 // values(j, out) writes the values of all points of line j, which is row j (along i2) when
-// alongRows, else column j (along i1).
+// alongRows, else column j (along i1), and returns a bound no value of the line but a NaN
+// exceeds (the largest, or infinity).
 struct GridLines {
     size_t n1 = 0, n2 = 0, margin1 = 0, margin2 = 0;
     bool alongRows = true;
-    std::function<void(size_t, double*)> values;
+    std::function<double(size_t, double*)> values;
 };
 
 // What strongestLocalMaxima below returns for the same values, point for point, found faster:

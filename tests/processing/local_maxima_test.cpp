@@ -91,6 +91,7 @@ TEST(LocalMaxima, LineWiseSearchMatchesTheRowScan) {
                 grid.values = [&](size_t j, double* out) {
                     const size_t n = alongRows ? n2 : n1;
                     for (size_t k = 0; k < n; ++k) out[k] = alongRows ? at(j, k) : at(k, j);
+                    return *std::max_element(out, out + n);
                 };
                 for (size_t threads : {1, 3}) {
                     setRowThreads(threads);
