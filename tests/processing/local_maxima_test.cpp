@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <random>
 #include <set>
 #include <utility>
 
+#include "processing/row_parallel.h"
 #include "test_data.h"
 
 namespace zolt {
@@ -55,6 +57,51 @@ TEST(LocalMaxima, TallestLineOfAspirinIsTheLargestModulus) {
     for (size_t k = 1; k + 1 < n; ++k) largest = std::max(largest, modulus(0, k));
     EXPECT_EQ(top[0].value, largest);
     for (size_t i = 1; i < top.size(); ++i) EXPECT_LE(top[i].value, top[i - 1].value);
+}
+
+bool same(const std::vector<LocalMaximum>& a, const std::vector<LocalMaximum>& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const auto& x, const auto& y) {
+        return x.value == y.value && x.i1 == y.i1 && x.i2 == y.i2;
+    });
+}
+
+// The line-wise search on the row threads returns what the row-by-row scan returns, element for
+// element, whichever axis the lines follow and however many threads share them: on a real
+// plane, and on planes of few different values, where ties make the partial sort's order hang
+// on the order of the scan.
+TEST(LocalMaxima, LineWiseSearchMatchesTheRowScan) {
+    const auto doc = testdata::openTransformed("cyclosporin-hsqc");
+    ASSERT_TRUE(doc);
+    const SpectrumMatrix& m = doc->matrix;
+    const size_t n1 = m.dims[1].points, n2 = m.dims[2].points;
+    std::vector<std::vector<double>> planes(1, std::vector<double>(n1 * n2));
+    for (size_t i = 0; i < n1 * n2; ++i)
+        planes[0][i] = double{m.re[i]} * m.re[i] + double{m.im[i]} * m.im[i];
+    std::mt19937 random(7);
+    for (int levels : {3, 50}) {
+        planes.emplace_back(n1 * n2);
+        for (double& v : planes.back()) v = static_cast<double>(random() % levels);
+    }
+    for (const auto& plane : planes) {
+        const auto at = [&](size_t i1, size_t i2) { return plane[i1 * n2 + i2]; };
+        for (size_t count : {0, 1, 24, 5000}) {
+            const auto expected = strongestLocalMaxima(at, n1, n2, 9, 1, count);
+            for (bool alongRows : {true, false}) {
+                GridLines grid{n1, n2, 9, 1, alongRows, {}};
+                grid.values = [&](size_t j, double* out) {
+                    const size_t n = alongRows ? n2 : n1;
+                    for (size_t k = 0; k < n; ++k) out[k] = alongRows ? at(j, k) : at(k, j);
+                    return *std::max_element(out, out + n);
+                };
+                for (size_t threads : {1, 3}) {
+                    setRowThreads(threads);
+                    EXPECT_TRUE(same(strongestLocalMaxima(grid, count), expected))
+                        << count << " " << alongRows << " " << threads;
+                }
+            }
+        }
+    }
+    setRowThreads(0);
 }
 
 }  // namespace
