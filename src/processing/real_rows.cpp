@@ -1,6 +1,7 @@
 #include "processing/real_rows.h"
 
 #include <algorithm>
+#include <atomic>
 #include <new>
 #include <vector>
 
@@ -167,12 +168,16 @@ bool forEachRealRowGroupInParallel(SpectrumMatrix& m, int fIndex, const GroupFun
     RealRows r;
     if (!realRows(m, fIndex, r)) return false;
     r.data = m.re.data();
+    // The groups are taken one after another by whichever thread is free: the work of a row
+    // varies with what it holds, and rows of signal come in runs.
+    const size_t groups = groupCount(r);
+    std::atomic<size_t> next{0};
     bool complete = true;
     try {
-        forEachRowRange(groupCount(r), r.w.inner == 1 ? 1 : 2, [&](size_t begin, size_t end) {
+        onRowThreads(std::max<size_t>(1, groups / (r.w.inner == 1 ? 1 : 2)), [&] {
             std::vector<float> buffer;
             if (!tileBuffer(r, buffer)) throw std::bad_alloc();
-            for (size_t g = begin; g < end; ++g) {
+            for (size_t g = next.fetch_add(1); g < groups; g = next.fetch_add(1)) {
                 float* rows[kRowGroup];
                 size_t first = 0;
                 const size_t count = groupRows(r, g, buffer, rows, first);
