@@ -1,7 +1,10 @@
 // Scales, levels and the plots' geometry, on records as a document holds them.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <vector>
 
 #include "display/frequency_shift.h"
 #include "display/insets.h"
@@ -139,6 +142,28 @@ DisplayParameters plotAt(std::array<float, 4> box, bool vertical) {
     p.auxiliaryScale = 8.0f;
     p.zeta = 2.0f;
     return p;
+}
+
+// The extremes of a plane are minmax_element's, also where its answer depends on the order
+// of the comparisons (a NaN, zeros of both signs at an end) and in lengths off the vectors.
+TEST(VerticalScale, ShownExtremesAreThoseOfTheValuesInOrder) {
+    const float nan = std::nanf("");
+    const std::vector<std::vector<float>> cases = {{3, -1, 4, 1, -5, 9, 2, 6, 5, -3, 5},
+                                                   {0, 1, 2, 3, 4, 5, 6, -0.0f, 1, 2},
+                                                   {-0.0f, -1, -2, -3, 0, -4, -5, -6, -7},
+                                                   {1, 2, 3, nan, 5, 6, 7, 8, 9, -1},
+                                                   {nan, 2, 3, 4, 5, 6, 7, 8},
+                                                   {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, nan}};
+    for (const auto& values : cases) {
+        SpectrumMatrix m;
+        m.dims[1].points = static_cast<uint32_t>(values.size());
+        m.xIndex = 1;
+        m.re = values;
+        const auto [lo, hi] = std::minmax_element(values.begin(), values.end());
+        const DataExtremes e = shownExtremes(m);
+        EXPECT_EQ(std::memcmp(&e.minimum, &*lo, sizeof(float)), 0) << e.minimum;
+        EXPECT_EQ(std::memcmp(&e.maximum, &*hi, sizeof(float)), 0) << e.maximum;
+    }
 }
 
 TEST(WindowResize, MainPlotTakesTheChangeInsetsScaleWithTheWindow) {
