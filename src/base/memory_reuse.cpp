@@ -12,7 +12,6 @@ void keepFreedMemoryForReuse() {
 #if defined(__GLIBC__)
     mallopt(M_TRIM_THRESHOLD, 256 << 20);
     mallopt(M_TOP_PAD, 16 << 20);
-    mallopt(M_MMAP_THRESHOLD, 32 << 20);
 #endif
 }
 

@@ -6,9 +6,7 @@ namespace zolt {
 // Keeps up to a few tens of megabytes of freed memory in the process for the next document
 // instead of handing it back to the system at once: every transform needs fresh arrays, and
 // memory returned and asked for again costs a page fault every 4 KB, about half of a 1-D
-// transform's time. Arrays up to 32 MB (a row mask of a 2-D plane, a transform's scratch) come
-// from that kept memory too, instead of being mapped afresh each time. Called once at the start
-// of each program.
+// transform's time. Called once at the start of each program.
 void keepFreedMemoryForReuse();
 
 }  // namespace zolt
