@@ -85,6 +85,15 @@ bool markedAlike(const double* d, size_t n, int w, const RunState& marked, const
     return true;
 }
 
+// Groups held between their marking and their acceptance: a few for each thread, fewer on rows
+// so long that their differences would take more than kSlotMemory.
+constexpr size_t kSlotMemory = size_t{32} << 20;
+
+size_t slotCount(size_t n, size_t threads) {
+    const size_t fit = kSlotMemory / (kRowGroup * std::max<size_t>(n, 1) * sizeof(double));
+    return std::clamp<size_t>(fit, 2, 4 * threads);
+}
+
 // The rows marked ahead on several threads. Each thread takes the next group of rows and marks
 // them from the state the run has reached so far; the groups are then taken in order, each row
 // kept when it is marked alike from the run's true state, marked again from it otherwise. The
@@ -102,7 +111,7 @@ public:
           masks_(masks),
           detected_(detected),
           groups_(groups),
-          slots_(4 * threads) {
+          slots_(slotCount(n, threads)) {
         for (Slot& slot : slots_) slot.d.resize(hasDifferences(n, w) ? kRowGroup * n : 0);
     }
 
