@@ -74,7 +74,8 @@ size_t fillMatrix(const float* row, const FitAxis& axis, FitScratch& s) {
 }
 
 std::vector<double> fitThrough(const float* row, const FitAxis& axis, FitScratch& s) {
-    return solveLeastSquares(s.a.data(), fillMatrix(row, axis, s), axis.p);
+    const size_t m = fillMatrix(row, axis, s);  // may move s.a
+    return solveLeastSquares(s.a.data(), m, axis.p);
 }
 
 // Keeps in s.kept the chosen points that lie at most three standard deviations of the noise
