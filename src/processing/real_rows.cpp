@@ -16,14 +16,10 @@ namespace {
 // whole tile of rows instead of one point.
 constexpr size_t kTile = kRowGroup;
 
-using RowFunction = std::function<void(float*, size_t, size_t)>;
-
 struct RealRows {
     float* data = nullptr;
     AxisWalk w;
     size_t tilesPerBlock = 0;
-    // Work units: whole rows when contiguous, else tiles of up to kTile rows.
-    size_t units() const { return w.inner == 1 ? w.outer : w.outer * tilesPerBlock; }
 };
 
 // The walk of the real parts; data is left for the caller that writes them.
@@ -38,26 +34,6 @@ bool realRows(const SpectrumMatrix& m, int fIndex, RealRows& rows) {
     return true;
 }
 
-// Units [begin, end) of the walk; fn still sees the rows of a tile one by one, in order. A
-// walk that only reads leaves the gathered tiles unwritten.
-void walkUnits(const RealRows& rows, size_t begin, size_t end, std::vector<float>& buffer,
-               const RowFunction& fn, bool writeBack = true) {
-    const AxisWalk& w = rows.w;
-    const size_t block = w.n * w.inner;
-    for (size_t u = begin; u < end; ++u) {
-        if (w.inner == 1) {
-            fn(rows.data + u * block, w.n, u);
-            continue;
-        }
-        const size_t o = u / rows.tilesPerBlock, j0 = u % rows.tilesPerBlock * kTile;
-        const size_t t = std::min(kTile, w.inner - j0);
-        float* base = rows.data + o * block + j0;
-        transposeBlock(base, w.inner, buffer.data(), w.n, w.n, t);
-        for (size_t j = 0; j < t; ++j) fn(buffer.data() + j * w.n, w.n, o * w.inner + j0 + j);
-        if (writeBack) transposeBlock(buffer.data(), w.n, base, w.inner, t, w.n);
-    }
-}
-
 bool tileBuffer(const RealRows& rows, std::vector<float>& buffer) {
     if (rows.w.inner == 1) return true;
     try {
@@ -68,8 +44,19 @@ bool tileBuffer(const RealRows& rows, std::vector<float>& buffer) {
     }
 }
 
+// Groups: runs of kRowGroup contiguous rows, else tiles of up to kTile strided ones.
 size_t groupCount(const RealRows& rows) {
-    return rows.w.inner == 1 ? (rows.w.outer + kRowGroup - 1) / kRowGroup : rows.units();
+    return rows.w.inner == 1 ? (rows.w.outer + kRowGroup - 1) / kRowGroup
+                             : rows.w.outer * rows.tilesPerBlock;
+}
+
+// Where a strided group's tile starts in the data, its first row and its row count.
+float* tileAt(const RealRows& r, size_t group, size_t& first, size_t& count) {
+    const AxisWalk& w = r.w;
+    const size_t o = group / r.tilesPerBlock, j0 = group % r.tilesPerBlock * kTile;
+    first = o * w.inner + j0;
+    count = std::min(kTile, w.inner - j0);
+    return r.data + o * w.n * w.inner + j0;
 }
 
 // The rows of a group: contiguous ones where they stand, a tile's gathered into buffer.
@@ -82,19 +69,30 @@ size_t groupRows(const RealRows& r, size_t group, std::vector<float>& buffer,
         for (size_t k = 0; k < count; ++k) rows[k] = r.data + (first + k) * w.n;
         return count;
     }
-    const size_t o = group / r.tilesPerBlock, j0 = group % r.tilesPerBlock * kTile;
-    const size_t count = std::min(kTile, w.inner - j0);
-    transposeBlock(r.data + o * w.n * w.inner + j0, w.inner, buffer.data(), w.n, w.n, count);
-    first = o * w.inner + j0;
+    size_t count = 0;
+    const float* tile = tileAt(r, group, first, count);
+    transposeBlock(tile, w.inner, buffer.data(), w.n, w.n, count);
     for (size_t k = 0; k < count; ++k) rows[k] = buffer.data() + k * w.n;
     return count;
 }
 
 void writeGroupBack(const RealRows& r, size_t group, const std::vector<float>& buffer) {
-    const AxisWalk& w = r.w;
-    const size_t o = group / r.tilesPerBlock, j0 = group % r.tilesPerBlock * kTile;
-    const size_t count = std::min(kTile, w.inner - j0);
-    transposeBlock(buffer.data(), w.n, r.data + o * w.n * w.inner + j0, w.inner, count, w.n);
+    size_t first = 0, count = 0;
+    float* tile = tileAt(r, group, first, count);
+    transposeBlock(buffer.data(), r.w.n, tile, r.w.inner, count, r.w.n);
+}
+
+// Every group in order on this thread, rows handed one by one; a walk that only reads
+// leaves the gathered tiles unwritten.
+void walkGroups(const RealRows& r, std::vector<float>& buffer,
+                const std::function<void(float*, size_t)>& fn, bool writeBack) {
+    for (size_t g = 0; g < groupCount(r); ++g) {
+        float* rows[kRowGroup];
+        size_t first = 0;
+        const size_t count = groupRows(r, g, buffer, rows, first);
+        for (size_t k = 0; k < count; ++k) fn(rows[k], r.w.n);
+        if (writeBack && r.w.inner > 1) writeGroupBack(r, g, buffer);
+    }
 }
 
 }  // namespace
@@ -110,7 +108,7 @@ bool forEachRealRow(SpectrumMatrix& m, int fIndex, const std::function<void(floa
     std::vector<float> buffer;
     if (!realRows(m, fIndex, rows) || !tileBuffer(rows, buffer)) return false;
     rows.data = m.re.data();
-    walkUnits(rows, 0, rows.units(), buffer, [&](float* row, size_t n, size_t) { fn(row, n); });
+    walkGroups(rows, buffer, fn, true);
     return true;
 }
 
@@ -121,28 +119,9 @@ bool forEachRealRowRead(const SpectrumMatrix& m, int fIndex,
     if (!realRows(m, fIndex, rows) || !tileBuffer(rows, buffer)) return false;
     // Read only: the walk writes nothing back.
     rows.data = const_cast<float*>(m.re.data());
-    walkUnits(
-        rows, 0, rows.units(), buffer, [&](float* row, size_t n, size_t) { fn(row, n); }, false);
+    walkGroups(
+        rows, buffer, [&](float* row, size_t n) { fn(row, n); }, false);
     return true;
-}
-
-bool forEachRealRowInParallel(SpectrumMatrix& m, int fIndex, const RowFunction& fn) {
-    RealRows rows;
-    if (!realRows(m, fIndex, rows)) return false;
-    rows.data = m.re.data();
-    // A tile holds up to kTile rows, so fewer tiles than rows make a thread worth while.
-    const size_t minUnits = rows.w.inner == 1 ? 16 : 2;
-    bool complete = true;
-    try {
-        forEachRowRange(rows.units(), minUnits, [&](size_t begin, size_t end) {
-            std::vector<float> buffer;
-            if (!tileBuffer(rows, buffer)) throw std::bad_alloc();
-            walkUnits(rows, begin, end, buffer, fn);
-        });
-    } catch (const std::bad_alloc&) {
-        complete = false;
-    }
-    return complete;
 }
 
 size_t realRowGroupCount(const SpectrumMatrix& m, int fIndex) {

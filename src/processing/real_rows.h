@@ -21,11 +21,6 @@ bool forEachRealRowRead(const SpectrumMatrix& m, int fIndex,
 // The number of those rows; 0 when the matrix is inconsistent.
 size_t realRowCount(const SpectrumMatrix& m, int fIndex);
 
-// The same on several threads, for rows that do not depend on one another: fn(row, n, index)
-// with index the row's place in the order above, each thread with a buffer of its own.
-bool forEachRealRowInParallel(SpectrumMatrix& m, int fIndex,
-                              const std::function<void(float*, size_t, size_t)>& fn);
-
 // Groups of consecutive rows along fIndex, for work that takes the rows in order on several
 // threads: a row group is up to kRowGroup rows (a tile of a strided axis). realRowGroupCount is
 // 0 when the matrix is inconsistent; readRealRowGroup points rows[k] at row first + k, into the
@@ -35,8 +30,9 @@ size_t realRowGroupCount(const SpectrumMatrix& m, int fIndex);
 size_t readRealRowGroup(const SpectrumMatrix& m, int fIndex, size_t group,
                         std::vector<float>& buffer, const float* rows[kRowGroup], size_t& first);
 
-// forEachRealRowInParallel a group at a time: fn(rows, count, n, first) with rows[k] the row
-// first + k, for work that takes rows together.
+// The rows along fIndex on several threads, for rows that do not depend on one another, a group
+// at a time: fn(rows, count, n, first) with rows[k] the row first + k, gathered and written back
+// as forEachRealRow does, each thread with a buffer of its own.
 using GroupFunction = std::function<void(float* const*, size_t, size_t, size_t)>;
 bool forEachRealRowGroupInParallel(SpectrumMatrix& m, int fIndex, const GroupFunction& fn);
 

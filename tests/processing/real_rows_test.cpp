@@ -39,9 +39,12 @@ TEST(RealRows, StridedRowsAreGatheredAndWrittenBackPointForPoint) {
             for (size_t j = 0; j < n2; ++j)
                 for (size_t k = 0; k < n1; ++k)
                     ASSERT_EQ(seen[j * n1 + k], static_cast<float>(k * n2 + j)) << n1 << "x" << n2;
-            ASSERT_TRUE(forEachRealRowInParallel(m, 1, [&](float* row, size_t n, size_t r) {
-                for (size_t k = 0; k < n; ++k) row[k] = static_cast<float>(r * 1000 + k);
-            }));
+            ASSERT_TRUE(forEachRealRowGroupInParallel(
+                m, 1, [&](float* const* rows, size_t count, size_t n, size_t first) {
+                    for (size_t j = 0; j < count; ++j)
+                        for (size_t k = 0; k < n; ++k)
+                            rows[j][k] = static_cast<float>((first + j) * 1000 + k);
+                }));
             for (size_t k = 0; k < n1; ++k)
                 for (size_t j = 0; j < n2; ++j)
                     ASSERT_EQ(m.re[k * n2 + j], static_cast<float>(j * 1000 + k))
