@@ -69,6 +69,7 @@ template <typename D>
 struct Sse2Pack {
     using D = __m128d;
     static constexpr size_t width = 2;
+    static constexpr size_t groups = 1;
     static void load(const float* p, D& d) {
         d = _mm_cvtps_pd(_mm_castpd_ps(_mm_load_sd(reinterpret_cast<const double*>(p))));
     }
@@ -87,6 +88,7 @@ struct Sse2Pack {
 struct AvxPack {
     using D = __m256d;
     static constexpr size_t width = 4;
+    static constexpr size_t groups = 1;
     [[gnu::target("avx")]] static inline void load(const float* p, D& d) {
         d = _mm256_cvtps_pd(_mm_loadu_ps(p));
     }
@@ -131,6 +133,7 @@ struct AvxFmaPack : AvxPack {
 struct Avx512Pack {
     using D = __m512d;
     static constexpr size_t width = 8;
+    static constexpr size_t groups = 1;
     [[gnu::target("avx512f")]] static inline void load(const float* p, D& d) {
         d = _mm512_maskz_cvtps_pd(0xFF, _mm256_loadu_ps(p));
     }
@@ -157,10 +160,33 @@ struct Avx512Pack {
         ai = _mm512_add_pd(ai, ti);
     }
 };
+
+// The stage pair of half-spans 4 and 8 on eight lanes: two groups of 16 points side by side,
+// lanes 0-3 from one group and 4-7 from the next, both with the same four twiddles. Each lane
+// does the arithmetic of the four-lane pack, and the conversions, which bound these kernels,
+// are shared by twice as many points.
+struct Avx512TwoGroupPack : Avx512Pack {
+    static constexpr size_t groups = 2;
+    static constexpr size_t groupStride = 16;
+    [[gnu::target("avx512f")]] static inline void load(const float* p, D& d) {
+        const __m256 v = _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(p)),
+                                              _mm_loadu_ps(p + groupStride), 1);
+        d = _mm512_maskz_cvtps_pd(0xFF, v);
+    }
+    [[gnu::target("avx512f")]] static inline void load(const double* p, D& d) {
+        d = _mm512_maskz_broadcast_f64x4(0xFF, _mm256_loadu_pd(p));
+    }
+    [[gnu::target("avx512f")]] static inline void store(float* p, const D& d) {
+        const __m256 v = _mm512_maskz_cvtpd_ps(0xFF, d);
+        _mm_storeu_ps(p, _mm256_castps256_ps128(v));
+        _mm_storeu_ps(p + groupStride, _mm256_extractf128_ps(v, 1));
+    }
+};
 #else
 struct ScalarPack {
     using D = double;
     static constexpr size_t width = 1;
+    static constexpr size_t groups = 1;
     static void load(const float* p, D& d) { d = *p; }
     static void load(const double* p, D& d) { d = *p; }
     static void store(float* p, const D& d) { *p = static_cast<float>(d); }
@@ -212,8 +238,8 @@ template <typename P>
         w1.next(block, w1r, w1i);
         w2.next(block, w2r, w2i);
         w3.next(block, w3r, w3i);
-        for (size_t g = m; g < len; g += 4 * h) {
-            for (size_t q = 0; q < block; q += P::width) {
+        for (size_t g = m; g < len; g += 4 * h * P::groups) {
+            for (size_t q = 0; q < block; q += P::width / P::groups) {
                 const size_t i0 = g + q, i1 = i0 + h, i2 = i1 + h, i3 = i2 + h;
                 D r0, x0, r1, x1, r2, x2, r3, x3, wr, wi;
                 P::load(re + i0, r0), P::load(im + i0, x0), P::load(re + i1, r1);
@@ -237,9 +263,10 @@ template <typename P>
     }
 }
 
-// Stages first ... last-1 (stage k has half-span 4 << k) over len points, two at a time; the
-// narrow pack N takes the stages whose half-span is below P's width.
-template <typename P, typename N>
+// Stages first ... last-1 (stage k has half-span 4 << k) over len points, two at a time. The
+// stages whose half-span is below P's width go to the narrow packs: N for a pair, S for a
+// stage alone.
+template <typename P, typename N, typename S>
 [[gnu::always_inline]] inline void radix2Stages(float* re, float* im, size_t len, int direction,
                                                 const StageAngle* angles, size_t first,
                                                 size_t last) {
@@ -252,7 +279,7 @@ template <typename P, typename N>
     }
     if (k < last) {
         if ((size_t{4} << k) < P::width)
-            radix2Stage<N>(re, im, len, k, direction, angles[k]);
+            radix2Stage<S>(re, im, len, k, direction, angles[k]);
         else
             radix2Stage<P>(re, im, len, k, direction, angles[k]);
     }
@@ -260,16 +287,16 @@ template <typename P, typename N>
 
 // The radix-2 stages after the permutation and its radix-4 pass. The stages whose groups of 2h
 // fit in a cache span run span by span; the wider stages then sweep the whole array.
-template <typename P, typename N = P>
+template <typename P, typename N = P, typename S = N>
 [[gnu::always_inline]] inline void butterflyPasses(float* re, float* im, size_t n, int direction,
                                                    const StageAngle* angles, size_t stages) {
     const size_t span = std::min(n, kCacheSpan);
     size_t local = 0;
     while ((size_t{8} << local) <= span) ++local;
     for (size_t start = 0; start < n; start += span) {
-        radix2Stages<P, N>(re + start, im + start, span, direction, angles, 0, local);
+        radix2Stages<P, N, S>(re + start, im + start, span, direction, angles, 0, local);
     }
-    radix2Stages<P, N>(re, im, n, direction, angles, local, stages);
+    radix2Stages<P, N, S>(re, im, n, direction, angles, local, stages);
 }
 
 #ifdef ZOLT_FFT_X86
@@ -277,7 +304,8 @@ template <typename P, typename N = P>
                                                               int direction,
                                                               const StageAngle* angles,
                                                               size_t stages) {
-    butterflyPasses<Avx512Pack, AvxFmaPack>(re, im, n, direction, angles, stages);
+    butterflyPasses<Avx512Pack, Avx512TwoGroupPack, AvxFmaPack>(re, im, n, direction, angles,
+                                                                 stages);
 }
 
 [[gnu::target("avx,fma")]] void butterflyPassesAvxFma(float* re, float* im, size_t n, int direction,
@@ -294,9 +322,9 @@ template <typename P, typename N = P>
 void butterflyPassesAnyCpu(float* re, float* im, size_t n, int direction, const StageAngle* angles,
                            size_t stages) {
 #ifdef ZOLT_FFT_X86
-    // Four-lane kernels need at least 4 points per half-span, which h >= 4 guarantees; the
-    // eight-lane one hands the stages of h = 4 to the four-lane one.
-    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("fma"))
+    // Four-lane kernels need at least 4 points per half-span, which h >= 4 guarantees. The
+    // eight-lane ones take the stages of h = 4 two groups of 16 at a time, so from 32 points.
+    if (n >= 32 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("fma"))
         return butterflyPassesAvx512(re, im, n, direction, angles, stages);
     if (__builtin_cpu_supports("avx") && __builtin_cpu_supports("fma"))
         return butterflyPassesAvxFma(re, im, n, direction, angles, stages);
