@@ -305,7 +305,7 @@ template <typename P, typename N = P, typename S = N>
                                                               const StageAngle* angles,
                                                               size_t stages) {
     butterflyPasses<Avx512Pack, Avx512TwoGroupPack, AvxFmaPack>(re, im, n, direction, angles,
-                                                                 stages);
+                                                                stages);
 }
 
 [[gnu::target("avx,fma")]] void butterflyPassesAvxFma(float* re, float* im, size_t n, int direction,

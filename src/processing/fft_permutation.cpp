@@ -5,7 +5,7 @@
 #include <cstring>
 
 #if defined(__x86_64__) && defined(__GNUC__)
-#include <emmintrin.h>
+#include <immintrin.h>
 #define ZOLT_PERMUTATION_SSE2 1
 #endif
 
@@ -137,6 +137,117 @@ void writeFullTile(float* re, float* im, size_t mid, size_t rowStride, const Til
         std::memcpy(im + base, out.im + hi * kTile, kTile * sizeof(float));
     }
 }
+
+// The same tile exchange on sixteen lanes, where a tile row of 16 points is one vector. The
+// partner's rows are first regrouped by 4-point column blocks: for role R (rows R ... R + 3,
+// R = 0, 8, 4, 12 for points a, b, c, d) and column block j, lane block a holds row
+// R + rev2(a), columns 4j ... 4j + 3, which is the operand the four-lane code loads for
+// groups a = 0 ... 3 at once. The radix-4 sums then run on sixteen lanes, and after a 4 x 4
+// transpose within each block, vector e is the whole output row 4 rev2(e) + q.
+struct alignas(64) Regrouped {
+    // [re, im][role][column block][16 values]
+    float v[2][4][4][kTile];
+};
+
+[[gnu::target("avx512f")]] inline void transposeBlocks(__m512& x0, __m512& x1, __m512& x2,
+                                                       __m512& x3) {
+    const __m512 t0 = _mm512_maskz_shuffle_f32x4(0xFFFF, x0, x1, 0x44),
+                 t1 = _mm512_maskz_shuffle_f32x4(0xFFFF, x0, x1, 0xEE);
+    const __m512 t2 = _mm512_maskz_shuffle_f32x4(0xFFFF, x2, x3, 0x44),
+                 t3 = _mm512_maskz_shuffle_f32x4(0xFFFF, x2, x3, 0xEE);
+    x0 = _mm512_maskz_shuffle_f32x4(0xFFFF, t0, t2, 0x88);
+    x1 = _mm512_maskz_shuffle_f32x4(0xFFFF, t0, t2, 0xDD);
+    x2 = _mm512_maskz_shuffle_f32x4(0xFFFF, t1, t3, 0x88);
+    x3 = _mm512_maskz_shuffle_f32x4(0xFFFF, t1, t3, 0xDD);
+}
+
+// _MM_TRANSPOSE4_PS in each 128-bit block. As in the block transpose above, the zero-masked
+// forms with every lane set are the plain instructions without GCC 12's false warning.
+[[gnu::target("avx512f")]] inline void transposeInBlocks(__m512& r0, __m512& r1, __m512& r2,
+                                                         __m512& r3) {
+    const __m512d t0 = _mm512_castps_pd(_mm512_maskz_unpacklo_ps(0xFFFF, r0, r1));
+    const __m512d t1 = _mm512_castps_pd(_mm512_maskz_unpackhi_ps(0xFFFF, r0, r1));
+    const __m512d t2 = _mm512_castps_pd(_mm512_maskz_unpacklo_ps(0xFFFF, r2, r3));
+    const __m512d t3 = _mm512_castps_pd(_mm512_maskz_unpackhi_ps(0xFFFF, r2, r3));
+    r0 = _mm512_castpd_ps(_mm512_maskz_unpacklo_pd(0xFF, t0, t2));
+    r1 = _mm512_castpd_ps(_mm512_maskz_unpackhi_pd(0xFF, t0, t2));
+    r2 = _mm512_castpd_ps(_mm512_maskz_unpacklo_pd(0xFF, t1, t3));
+    r3 = _mm512_castpd_ps(_mm512_maskz_unpackhi_pd(0xFF, t1, t3));
+}
+
+[[gnu::target("avx512f")]] void regroupTile(const float* re, const float* im, size_t mid,
+                                            size_t rowStride, Regrouped& g) {
+    constexpr size_t roles[4] = {0, 8, 4, 12};
+    const float* parts[2] = {re + mid * kTile, im + mid * kTile};
+    for (size_t part = 0; part < 2; ++part) {
+        for (size_t role = 0; role < 4; ++role) {
+            const float* row = parts[part] + roles[role] * rowStride;
+            // Rows R + rev2(0 ... 3) = R, R + 2, R + 1, R + 3.
+            __m512 x0 = _mm512_loadu_ps(row), x1 = _mm512_loadu_ps(row + 2 * rowStride);
+            __m512 x2 = _mm512_loadu_ps(row + rowStride), x3 = _mm512_loadu_ps(row + 3 * rowStride);
+            transposeBlocks(x0, x1, x2, x3);
+            _mm512_store_ps(g.v[part][role][0], x0);
+            _mm512_store_ps(g.v[part][role][1], x1);
+            _mm512_store_ps(g.v[part][role][2], x2);
+            _mm512_store_ps(g.v[part][role][3], x3);
+        }
+    }
+}
+
+[[gnu::target("avx512f")]] void writeRegroupedTile(float* re, float* im, size_t mid,
+                                                   size_t rowStride, const Regrouped& g,
+                                                   float sign) {
+    constexpr size_t rev2[4] = {0, 2, 1, 3};
+    const __m512 s = _mm512_set1_ps(sign);
+    float* outR = re + mid * kTile;
+    float* outI = im + mid * kTile;
+    for (size_t q = 0; q < 4; ++q) {
+        const size_t j = rev2[q];
+        const __m512 ar = _mm512_load_ps(g.v[0][0][j]), br = _mm512_load_ps(g.v[0][1][j]);
+        const __m512 cr = _mm512_load_ps(g.v[0][2][j]), dr = _mm512_load_ps(g.v[0][3][j]);
+        const __m512 ai = _mm512_load_ps(g.v[1][0][j]), bi = _mm512_load_ps(g.v[1][1][j]);
+        const __m512 ci = _mm512_load_ps(g.v[1][2][j]), di = _mm512_load_ps(g.v[1][3][j]);
+        const __m512 sr = _mm512_add_ps(ar, br), si = _mm512_add_ps(ai, bi);
+        const __m512 tr = _mm512_sub_ps(ar, br), ti = _mm512_sub_ps(ai, bi);
+        const __m512 ur = _mm512_add_ps(cr, dr), ui = _mm512_add_ps(ci, di);
+        const __m512 vr = _mm512_sub_ps(cr, dr), vi = _mm512_sub_ps(ci, di);
+        const __m512 svi = _mm512_mul_ps(s, vi), svr = _mm512_mul_ps(s, vr);
+        __m512 r0 = _mm512_add_ps(sr, ur), x0 = _mm512_add_ps(si, ui);
+        __m512 r1 = _mm512_sub_ps(tr, svi), x1 = _mm512_add_ps(ti, svr);
+        __m512 r2 = _mm512_sub_ps(sr, ur), x2 = _mm512_sub_ps(si, ui);
+        __m512 r3 = _mm512_add_ps(tr, svi), x3 = _mm512_sub_ps(ti, svr);
+        transposeInBlocks(r0, r1, r2, r3);
+        transposeInBlocks(x0, x1, x2, x3);
+        // Vector e is output row 4 rev2(e) + q.
+        _mm512_storeu_ps(outR + q * rowStride, r0), _mm512_storeu_ps(outI + q * rowStride, x0);
+        _mm512_storeu_ps(outR + (8 + q) * rowStride, r1);
+        _mm512_storeu_ps(outI + (8 + q) * rowStride, x1);
+        _mm512_storeu_ps(outR + (4 + q) * rowStride, r2);
+        _mm512_storeu_ps(outI + (4 + q) * rowStride, x2);
+        _mm512_storeu_ps(outR + (12 + q) * rowStride, r3);
+        _mm512_storeu_ps(outI + (12 + q) * rowStride, x3);
+    }
+}
+
+// Every full tile exchanged on sixteen lanes; both tiles of a pair are regrouped before either
+// is written, so no separate copy is needed.
+[[gnu::target("avx512f")]] void exchangeFullTilesAvx512(float* re, float* im, size_t mids,
+                                                        unsigned midBits, size_t rowStride,
+                                                        float sign) {
+    Regrouped a, b;
+    for (size_t mid = 0; mid < mids; ++mid) {
+        const size_t partner = reverseBits(uint32_t(mid), midBits);
+        if (partner < mid) continue;
+        regroupTile(re, im, mid, rowStride, a);
+        if (partner == mid) {
+            writeRegroupedTile(re, im, mid, rowStride, a, sign);
+            continue;
+        }
+        regroupTile(re, im, partner, rowStride, b);
+        writeRegroupedTile(re, im, mid, rowStride, b, sign);
+        writeRegroupedTile(re, im, partner, rowStride, a, sign);
+    }
+}
 #endif
 
 void writeTileAnyWidth(float* re, float* im, size_t mid, size_t width, size_t rowStride,
@@ -171,6 +282,10 @@ void bitReverseWithRadix4(float* re, float* im, size_t n, float sign) {
     std::array<uint8_t, kTile> rev{};
     for (size_t k = 0; k < width; ++k) rev[k] = uint8_t(reverseBits(uint32_t(k), edge));
 
+#ifdef ZOLT_PERMUTATION_SSE2
+    if (width == kTile && __builtin_cpu_supports("avx512f"))
+        return exchangeFullTilesAvx512(re, im, mids, midBits, rowStride, sign);
+#endif
     Tile a, b;
     for (size_t mid = 0; mid < mids; ++mid) {
         const size_t partner = reverseBits(uint32_t(mid), midBits);
