@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "processing/fft_kernels.h"
 #include "processing/fft_permutation.h"
 #include "processing/fft_twiddles.h"
 
@@ -324,12 +325,12 @@ void butterflyPassesAnyCpu(float* re, float* im, size_t n, int direction, const 
 #ifdef ZOLT_FFT_X86
     // Four-lane kernels need at least 4 points per half-span, which h >= 4 guarantees. The
     // eight-lane ones take the stages of h = 4 two groups of 16 at a time, so from 32 points.
-    if (n >= 32 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("fma"))
+    const FftKernels kernels = fftKernels();
+    if (kernels == FftKernels::Avx512 && n >= 32)
         return butterflyPassesAvx512(re, im, n, direction, angles, stages);
-    if (__builtin_cpu_supports("avx") && __builtin_cpu_supports("fma"))
+    if (kernels >= FftKernels::AvxFma)
         return butterflyPassesAvxFma(re, im, n, direction, angles, stages);
-    if (__builtin_cpu_supports("avx"))
-        return butterflyPassesAvx(re, im, n, direction, angles, stages);
+    if (kernels == FftKernels::Avx) return butterflyPassesAvx(re, im, n, direction, angles, stages);
     butterflyPasses<Sse2Pack>(re, im, n, direction, angles, stages);
 #else
     butterflyPasses<ScalarPack>(re, im, n, direction, angles, stages);

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "processing/fft_kernels.h"
+
 #if defined(__x86_64__) && defined(__GNUC__)
 #include <immintrin.h>
 #define ZOLT_PERMUTATION_SSE2 1
@@ -283,7 +285,7 @@ void bitReverseWithRadix4(float* re, float* im, size_t n, float sign) {
     for (size_t k = 0; k < width; ++k) rev[k] = uint8_t(reverseBits(uint32_t(k), edge));
 
 #ifdef ZOLT_PERMUTATION_SSE2
-    if (width == kTile && __builtin_cpu_supports("avx512f"))
+    if (width == kTile && fftKernels() == FftKernels::Avx512)
         return exchangeFullTilesAvx512(re, im, mids, midBits, rowStride, sign);
 #endif
     Tile a, b;
