@@ -88,6 +88,21 @@ void writeTile(float* re, float* im, size_t mid, size_t width, size_t rowStride,
 }
 
 #ifdef ZOLT_PERMUTATION_SSE2
+// radix4() on vectors holding one group per lane: points a, b, c, d of the groups come in as
+// (r0, x0) ... (r3, x3) and leave as outputs 0 ... 3. V is __m128 or __m512, whose +, - and *
+// are the lane-wise float operations.
+template <typename V>
+[[gnu::always_inline]] inline void radix4Lanes(V& r0, V& r1, V& r2, V& r3, V& x0, V& x1, V& x2,
+                                               V& x3, const V& sign) {
+    const V sr = r0 + r1, si = x0 + x1, tr = r0 - r1, ti = x0 - x1;
+    const V ur = r2 + r3, ui = x2 + x3, vr = r2 - r3, vi = x2 - x3;
+    const V svi = sign * vi, svr = sign * vr;
+    r0 = sr + ur, x0 = si + ui;
+    r1 = tr - svi, x1 = ti + svr;
+    r2 = sr - ur, x2 = si - ui;
+    r3 = tr + svi, x3 = ti - svr;
+}
+
 // writeTile for full 16 x 16 tiles, four groups at a time. With lo = 4A + c and hi = 4P + q,
 // point (hi, lo) takes the partner's point in row 4 rev2(c) + rev2(A), column 4 rev2(q) +
 // rev2(P). So for fixed A and q the four quads (rows 4 rev2(c) + rev2(A), c = 0 ... 3, columns
@@ -110,19 +125,11 @@ void writeFullTile(float* re, float* im, size_t mid, size_t rowStride, const Til
             const size_t at = rev2[a] * kTile + 4 * rev2[q];
             const float* r = from.re + at;
             const float* x = from.im + at;
-            const __m128 ar = _mm_load_ps(r), br = _mm_load_ps(r + 8 * kTile);
-            const __m128 cr = _mm_load_ps(r + 4 * kTile), dr = _mm_load_ps(r + 12 * kTile);
-            const __m128 ai = _mm_load_ps(x), bi = _mm_load_ps(x + 8 * kTile);
-            const __m128 ci = _mm_load_ps(x + 4 * kTile), di = _mm_load_ps(x + 12 * kTile);
-            const __m128 sr = _mm_add_ps(ar, br), si = _mm_add_ps(ai, bi);
-            const __m128 tr = _mm_sub_ps(ar, br), ti = _mm_sub_ps(ai, bi);
-            const __m128 ur = _mm_add_ps(cr, dr), ui = _mm_add_ps(ci, di);
-            const __m128 vr = _mm_sub_ps(cr, dr), vi = _mm_sub_ps(ci, di);
-            const __m128 svi = _mm_mul_ps(s, vi), svr = _mm_mul_ps(s, vr);
-            __m128 r0 = _mm_add_ps(sr, ur), x0 = _mm_add_ps(si, ui);
-            __m128 r1 = _mm_sub_ps(tr, svi), x1 = _mm_add_ps(ti, svr);
-            __m128 r2 = _mm_sub_ps(sr, ur), x2 = _mm_sub_ps(si, ui);
-            __m128 r3 = _mm_add_ps(tr, svi), x3 = _mm_sub_ps(ti, svr);
+            __m128 r0 = _mm_load_ps(r), r1 = _mm_load_ps(r + 8 * kTile);
+            __m128 r2 = _mm_load_ps(r + 4 * kTile), r3 = _mm_load_ps(r + 12 * kTile);
+            __m128 x0 = _mm_load_ps(x), x1 = _mm_load_ps(x + 8 * kTile);
+            __m128 x2 = _mm_load_ps(x + 4 * kTile), x3 = _mm_load_ps(x + 12 * kTile);
+            radix4Lanes(r0, r1, r2, r3, x0, x1, x2, x3, s);
             _MM_TRANSPOSE4_PS(r0, r1, r2, r3);
             _MM_TRANSPOSE4_PS(x0, x1, x2, x3);
             // Lane e goes to row 4 rev2(e) + q.
@@ -205,19 +212,11 @@ struct alignas(64) Regrouped {
     float* outI = im + mid * kTile;
     for (size_t q = 0; q < 4; ++q) {
         const size_t j = rev2[q];
-        const __m512 ar = _mm512_load_ps(g.v[0][0][j]), br = _mm512_load_ps(g.v[0][1][j]);
-        const __m512 cr = _mm512_load_ps(g.v[0][2][j]), dr = _mm512_load_ps(g.v[0][3][j]);
-        const __m512 ai = _mm512_load_ps(g.v[1][0][j]), bi = _mm512_load_ps(g.v[1][1][j]);
-        const __m512 ci = _mm512_load_ps(g.v[1][2][j]), di = _mm512_load_ps(g.v[1][3][j]);
-        const __m512 sr = _mm512_add_ps(ar, br), si = _mm512_add_ps(ai, bi);
-        const __m512 tr = _mm512_sub_ps(ar, br), ti = _mm512_sub_ps(ai, bi);
-        const __m512 ur = _mm512_add_ps(cr, dr), ui = _mm512_add_ps(ci, di);
-        const __m512 vr = _mm512_sub_ps(cr, dr), vi = _mm512_sub_ps(ci, di);
-        const __m512 svi = _mm512_mul_ps(s, vi), svr = _mm512_mul_ps(s, vr);
-        __m512 r0 = _mm512_add_ps(sr, ur), x0 = _mm512_add_ps(si, ui);
-        __m512 r1 = _mm512_sub_ps(tr, svi), x1 = _mm512_add_ps(ti, svr);
-        __m512 r2 = _mm512_sub_ps(sr, ur), x2 = _mm512_sub_ps(si, ui);
-        __m512 r3 = _mm512_add_ps(tr, svi), x3 = _mm512_sub_ps(ti, svr);
+        __m512 r0 = _mm512_load_ps(g.v[0][0][j]), r1 = _mm512_load_ps(g.v[0][1][j]);
+        __m512 r2 = _mm512_load_ps(g.v[0][2][j]), r3 = _mm512_load_ps(g.v[0][3][j]);
+        __m512 x0 = _mm512_load_ps(g.v[1][0][j]), x1 = _mm512_load_ps(g.v[1][1][j]);
+        __m512 x2 = _mm512_load_ps(g.v[1][2][j]), x3 = _mm512_load_ps(g.v[1][3][j]);
+        radix4Lanes(r0, r1, r2, r3, x0, x1, x2, x3, s);
         transposeInBlocks(r0, r1, r2, r3);
         transposeInBlocks(x0, x1, x2, x3);
         // Vector e is output row 4 rev2(e) + q.
