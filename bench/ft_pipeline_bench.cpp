@@ -47,5 +47,13 @@ BENCHMARK(BM_CyclosporinHsqcBothDimensions)
     ->Args({2048, 1024})
     ->Unit(benchmark::kMillisecond);
 
+// The HMBC as the program processes it: both dimensions, ending in the magnitude.
+void BM_CyclosporinHmbcBothDimensions(benchmark::State& state) {
+    auto fid = testdata::openExperiment("cyclosporin-hmbc");
+    if (!fid) return state.SkipWithError("cyclosporin-hmbc not readable");
+    runTransforms(state, *fid);
+}
+BENCHMARK(BM_CyclosporinHmbcBothDimensions)->Unit(benchmark::kMillisecond);
+
 }  // namespace
 }  // namespace zolt

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "processing/fft.h"
-#include "processing/kernels.h"
+#include "processing/polar.h"
 
 namespace zolt {
 

@@ -7,8 +7,8 @@
 
 #include "operations/document_axes.h"
 #include "processing/auto_phase.h"
-#include "processing/kernels.h"
 #include "processing/phase.h"
+#include "processing/polar.h"
 
 namespace zolt {
 

@@ -5,9 +5,9 @@
 #include <functional>
 #include <numbers>
 
-#include "processing/kernels.h"
 #include "processing/phase.h"
 #include "processing/phase_criteria.h"
+#include "processing/polar.h"
 #include "processing/simplex.h"
 
 namespace zolt {

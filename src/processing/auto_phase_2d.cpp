@@ -9,10 +9,10 @@
 #endif
 
 #include "processing/auto_phase.h"
-#include "processing/kernels.h"
 #include "processing/local_maxima.h"
 #include "processing/phase.h"
 #include "processing/phase_criteria.h"
+#include "processing/polar.h"
 #include "processing/row_parallel.h"
 
 namespace zolt {

@@ -19,6 +19,7 @@
 #include "processing/large_arrays.h"
 #include "processing/linear_prediction.h"
 #include "processing/phase.h"
+#include "processing/polar.h"
 #include "processing/row_parallel.h"
 #include "processing/shuffling.h"
 

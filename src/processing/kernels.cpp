@@ -112,22 +112,4 @@ void transpose(const float* source, float* destination, size_t n, size_t m, size
     });
 }
 
-void togglePolar(float* re, float* im, size_t count, bool toPolar) {
-    if (!re || !im) return;
-    // Point by point, so a matrix is shared out among the threads in pieces.
-    constexpr size_t kPiece = 4096;
-    forEachRowRange((count + kPiece - 1) / kPiece, 4, [&](size_t begin, size_t end) {
-        for (size_t k = begin * kPiece; k < std::min(count, end * kPiece); ++k) {
-            const double a = re[k], b = im[k];
-            if (toPolar) {
-                re[k] = static_cast<float>(std::sqrt(a * a + b * b));
-                im[k] = static_cast<float>(std::atan2(b, a));
-            } else {
-                re[k] = static_cast<float>(a * std::cos(b));
-                im[k] = static_cast<float>(a * std::sin(b));
-            }
-        }
-    });
-}
-
 }  // namespace zolt

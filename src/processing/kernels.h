@@ -27,7 +27,4 @@ inline void transpose(const float* source, float* destination, size_t n, size_t 
     transpose(source, destination, n, m, m);
 }
 
-// Toggles between (real, imaginary) and (modulus, phase); toPolar selects the direction.
-void togglePolar(float* re, float* im, size_t count, bool toPolar);
-
 }  // namespace zolt

@@ -10,7 +10,7 @@
 #include <emmintrin.h>
 #endif
 
-#include "processing/kernels.h"
+#include "processing/polar.h"
 #include "processing/row_parallel.h"
 
 namespace zolt {

@@ -65,20 +65,5 @@ TEST(Transpose, LargerThanOneTileKeepsEveryElement) {
     }
 }
 
-TEST(PolarToggle, GivesModulusAndPhaseAndTwiceReturnsTheSamples) {
-    std::vector<float> re{3.0f, -1.0f, 0.0f, 1e-3f}, im{4.0f, 0.0f, -2.0f, 7.5f};
-    const auto re0 = re, im0 = im;
-    togglePolar(re.data(), im.data(), 4, true);
-    EXPECT_FLOAT_EQ(re[0], 5.0f);
-    EXPECT_FLOAT_EQ(im[0], float(std::atan2(4.0, 3.0)));
-    EXPECT_FLOAT_EQ(im[1], float(std::numbers::pi));
-    EXPECT_FLOAT_EQ(im[2], float(-std::numbers::pi / 2));
-    togglePolar(re.data(), im.data(), 4, false);
-    for (size_t k = 0; k < 4; ++k) {
-        EXPECT_NEAR(re[k], re0[k], 1e-6) << k;
-        EXPECT_NEAR(im[k], im0[k], 1e-6) << k;
-    }
-}
-
 }  // namespace
 }  // namespace zolt
