@@ -17,8 +17,8 @@ namespace {
 // The phase is atan2 in double rounded to float. A rational approximation in double comes
 // within about 2^-52 of it (measured); if both ends of that value widened by a far larger
 // bound, 2^-44, round to the same float, so does the library's atan2, which lies inside.
-// Otherwise, and for zeros, infinities and NaNs, the library decides. About one point in 2^19
-// needs it.
+// Otherwise, and for zeros, infinities and NaNs, the library decides: about one point in 2^19
+// of random data, and every point on an axis.
 constexpr double kAngleBound = 0x1p-44;
 
 // atan(u) = u + u z P(z) / Q(z), z = u^2, for |u| <= 0.66.
@@ -66,8 +66,9 @@ void toPolarPoints(float* re, float* im, size_t count) {
 
 #ifdef ZOLT_POLAR_AVX512
 // Eight points at a time by the same steps. The squares of the modulus are kept from being
-// fused into its sum. The zero-masked forms with every lane set are the plain instructions
-// without GCC 12's false warning about their undefined sources.
+// fused into its sum; the approximation's may be, which moves it far less than the bound. The
+// zero-masked forms with every lane set are the plain instructions without GCC 12's false warning
+// about their undefined sources.
 [[gnu::target("avx512f")]] void toPolarAvx512(float* re, float* im, size_t count) {
     const __m512d zero = _mm512_setzero_pd(), one = _mm512_set1_pd(1.0);
     const __m512d infinity = _mm512_set1_pd(HUGE_VAL);
