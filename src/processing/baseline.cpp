@@ -16,6 +16,7 @@
 #include "processing/least_squares.h"
 #include "processing/phase.h"
 #include "processing/selection.h"
+#include "processing/vector_kernels.h"
 #include "processing/whittaker.h"
 
 namespace zolt {
@@ -156,8 +157,7 @@ std::optional<Message> pointCountMessage(const DimensionRecord& axis,
 void subtractFitted(float* row, size_t n, const double* abscissa, const std::vector<double>& c) {
     size_t i = 0;
 #if defined(__x86_64__) && defined(__GNUC__)
-    static const bool avx512 = __builtin_cpu_supports("avx512f");
-    if (avx512) i = subtractFittedAvx512(row, n, abscissa, c);
+    if (vectorKernels() == VectorKernels::Avx512) i = subtractFittedAvx512(row, n, abscissa, c);
 #endif
 #if defined(__SSE2__)
     // Two points per instruction: the same Horner steps, difference and rounding per lane.

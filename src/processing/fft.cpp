@@ -4,9 +4,9 @@
 #include <cmath>
 #include <numbers>
 
-#include "processing/fft_kernels.h"
 #include "processing/fft_permutation.h"
 #include "processing/fft_twiddles.h"
+#include "processing/vector_kernels.h"
 
 #if defined(__x86_64__) && defined(__GNUC__)
 #include <immintrin.h>
@@ -325,12 +325,13 @@ void butterflyPassesAnyCpu(float* re, float* im, size_t n, int direction, const 
 #ifdef ZOLT_FFT_X86
     // Four-lane kernels need at least 4 points per half-span, which h >= 4 guarantees. The
     // eight-lane ones take the stages of h = 4 two groups of 16 at a time, so from 32 points.
-    const FftKernels kernels = fftKernels();
-    if (kernels == FftKernels::Avx512 && n >= 32)
+    const VectorKernels kernels = vectorKernels();
+    if (kernels == VectorKernels::Avx512 && n >= 32)
         return butterflyPassesAvx512(re, im, n, direction, angles, stages);
-    if (kernels >= FftKernels::AvxFma)
+    if (kernels >= VectorKernels::AvxFma)
         return butterflyPassesAvxFma(re, im, n, direction, angles, stages);
-    if (kernels == FftKernels::Avx) return butterflyPassesAvx(re, im, n, direction, angles, stages);
+    if (kernels == VectorKernels::Avx)
+        return butterflyPassesAvx(re, im, n, direction, angles, stages);
     butterflyPasses<Sse2Pack>(re, im, n, direction, angles, stages);
 #else
     butterflyPasses<ScalarPack>(re, im, n, direction, angles, stages);

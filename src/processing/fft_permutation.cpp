@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <cstring>
 
-#include "processing/fft_kernels.h"
+#include "processing/vector_kernels.h"
 
 #if defined(__x86_64__) && defined(__GNUC__)
 #include <immintrin.h>
-#define ZOLT_PERMUTATION_SSE2 1
+#define ZOLT_PERMUTATION_X86 1
 #endif
 
 namespace zolt {
@@ -30,6 +30,25 @@ uint32_t reverseBits(uint32_t x, unsigned bits) {
     x = ((x >> 8) & 0x00FF00FFu) | ((x & 0x00FF00FFu) << 8);
     x = (x >> 16) | (x << 16);
     return x >> (32 - bits);
+}
+
+// Tile m trades places with tile reverse(m): both are read before either is written, and a
+// tile that is its own partner is read and written back.
+template <typename Buffer, typename Read, typename Write>
+void exchangeTilePairs(size_t mids, unsigned midBits, Read read, Write write) {
+    Buffer a, b;
+    for (size_t mid = 0; mid < mids; ++mid) {
+        const size_t partner = reverseBits(uint32_t(mid), midBits);
+        if (partner < mid) continue;
+        read(mid, a);
+        if (partner == mid) {
+            write(mid, a);
+            continue;
+        }
+        read(partner, b);
+        write(mid, b);
+        write(partner, a);
+    }
 }
 
 // The 4-point transform of a, b, c, d in float, as the two fused radix-2 stages compute it.
@@ -87,7 +106,7 @@ void writeTile(float* re, float* im, size_t mid, size_t width, size_t rowStride,
     }
 }
 
-#ifdef ZOLT_PERMUTATION_SSE2
+#ifdef ZOLT_PERMUTATION_X86
 // radix4() on vectors holding one group per lane: points a, b, c, d of the groups come in as
 // (r0, x0) ... (r3, x3) and leave as outputs 0 ... 3. V is __m128 or __m512, whose +, - and *
 // are the lane-wise float operations.
@@ -230,30 +249,11 @@ struct alignas(64) Regrouped {
     }
 }
 
-// Every full tile exchanged on sixteen lanes; both tiles of a pair are regrouped before either
-// is written, so no separate copy is needed.
-[[gnu::target("avx512f")]] void exchangeFullTilesAvx512(float* re, float* im, size_t mids,
-                                                        unsigned midBits, size_t rowStride,
-                                                        float sign) {
-    Regrouped a, b;
-    for (size_t mid = 0; mid < mids; ++mid) {
-        const size_t partner = reverseBits(uint32_t(mid), midBits);
-        if (partner < mid) continue;
-        regroupTile(re, im, mid, rowStride, a);
-        if (partner == mid) {
-            writeRegroupedTile(re, im, mid, rowStride, a, sign);
-            continue;
-        }
-        regroupTile(re, im, partner, rowStride, b);
-        writeRegroupedTile(re, im, mid, rowStride, b, sign);
-        writeRegroupedTile(re, im, partner, rowStride, a, sign);
-    }
-}
 #endif
 
 void writeTileAnyWidth(float* re, float* im, size_t mid, size_t width, size_t rowStride,
                        const uint8_t* rev, const Tile& from, float sign) {
-#ifdef ZOLT_PERMUTATION_SSE2
+#ifdef ZOLT_PERMUTATION_X86
     if (width == kTile) return writeFullTile(re, im, mid, rowStride, from, sign);
 #endif
     writeTile(re, im, mid, width, rowStride, rev, from, sign);
@@ -283,23 +283,20 @@ void bitReverseWithRadix4(float* re, float* im, size_t n, float sign) {
     std::array<uint8_t, kTile> rev{};
     for (size_t k = 0; k < width; ++k) rev[k] = uint8_t(reverseBits(uint32_t(k), edge));
 
-#ifdef ZOLT_PERMUTATION_SSE2
-    if (width == kTile && fftKernels() == FftKernels::Avx512)
-        return exchangeFullTilesAvx512(re, im, mids, midBits, rowStride, sign);
+#ifdef ZOLT_PERMUTATION_X86
+    // Full tiles on sixteen lanes, each regrouped as it is read, so no plain copy is made.
+    if (width == kTile && vectorKernels() == VectorKernels::Avx512)
+        return exchangeTilePairs<Regrouped>(
+            mids, midBits, [&](size_t m, Regrouped& g) { regroupTile(re, im, m, rowStride, g); },
+            [&](size_t m, const Regrouped& g) {
+                writeRegroupedTile(re, im, m, rowStride, g, sign);
+            });
 #endif
-    Tile a, b;
-    for (size_t mid = 0; mid < mids; ++mid) {
-        const size_t partner = reverseBits(uint32_t(mid), midBits);
-        if (partner < mid) continue;
-        readTile(re, im, mid, width, rowStride, a);
-        if (partner == mid) {
-            writeTileAnyWidth(re, im, mid, width, rowStride, rev.data(), a, sign);
-            continue;
-        }
-        readTile(re, im, partner, width, rowStride, b);
-        writeTileAnyWidth(re, im, mid, width, rowStride, rev.data(), b, sign);
-        writeTileAnyWidth(re, im, partner, width, rowStride, rev.data(), a, sign);
-    }
+    exchangeTilePairs<Tile>(
+        mids, midBits, [&](size_t m, Tile& t) { readTile(re, im, m, width, rowStride, t); },
+        [&](size_t m, const Tile& t) {
+            writeTileAnyWidth(re, im, m, width, rowStride, rev.data(), t, sign);
+        });
 }
 
 }  // namespace zolt

@@ -10,6 +10,7 @@
 #endif
 
 #include "processing/row_parallel.h"
+#include "processing/vector_kernels.h"
 
 namespace zolt {
 namespace {
@@ -126,8 +127,7 @@ void toPolarPoints(float* re, float* im, size_t count) {
 
 void toPolar(float* re, float* im, size_t count) {
 #ifdef ZOLT_POLAR_AVX512
-    static const bool avx512 = __builtin_cpu_supports("avx512f");
-    if (avx512) return toPolarAvx512(re, im, count);
+    if (vectorKernels() == VectorKernels::Avx512) return toPolarAvx512(re, im, count);
 #endif
     toPolarPoints(re, im, count);
 }

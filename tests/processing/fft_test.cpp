@@ -10,7 +10,7 @@
 #include <random>
 #include <vector>
 
-#include "processing/fft_kernels.h"
+#include "processing/vector_kernels.h"
 
 namespace zolt {
 namespace {
@@ -154,14 +154,14 @@ TEST(Fft, OutputBitsArePinnedAtEveryLengthAndDirectionForEveryKernelSet) {
         0xd83f3ce2a781da05ull, 0xe2bce0bc02d2ca31ull, 0xfae38d570e5378a0ull, 0x0688418971076bdeull,
         0x2261d95069fe83c2ull, 0x7761b11fa86bd00eull,
     };
-    const FftKernels widest = fftKernels();
-    for (auto kernels :
-         {FftKernels::Baseline, FftKernels::Avx, FftKernels::AvxFma, FftKernels::Avx512}) {
+    const VectorKernels widest = vectorKernels();
+    for (auto kernels : {VectorKernels::Baseline, VectorKernels::Avx, VectorKernels::AvxFma,
+                         VectorKernels::Avx512}) {
         if (kernels > widest) break;
-        capFftKernels(kernels);
+        capVectorKernels(kernels);
         expectPinnedOutputs(pinned, static_cast<int>(kernels));
     }
-    capFftKernels(FftKernels::Avx512);
+    capVectorKernels(VectorKernels::Avx512);
 }
 
 TEST(Fft, InvalidLengthLeavesDataAlone) {
